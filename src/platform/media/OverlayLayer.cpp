@@ -1,0 +1,117 @@
+#include "OverlayLayer.h"
+
+#include <QFont>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace ravelcue::media {
+
+namespace {
+
+QFont fontFor(const TextOverlay& text, int pictureHeight) {
+    QString family = text.font;
+    bool bold = false;
+    if (family.endsWith(QLatin1String(" Bold"), Qt::CaseInsensitive)) {
+        family.chop(5);
+        bold = true;
+    }
+    QFont font(family);
+    font.setBold(bold);
+    font.setPixelSize(OverlayLayer::textPixelSize(text.pointSize, pictureHeight));
+    font.setStyleStrategy(QFont::PreferAntialias);
+    return font;
+}
+
+} // namespace
+
+QImage maskBlack(const QImage& source) {
+    QImage rgb = source.format() == QImage::Format_RGB32 ? source
+                                                         : source.convertToFormat(QImage::Format_RGB32);
+    QImage out(rgb.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < rgb.height(); ++y) {
+        const auto* in = reinterpret_cast<const QRgb*>(rgb.constScanLine(y));
+        auto* dst = reinterpret_cast<QRgb*>(out.scanLine(y));
+        for (int x = 0; x < rgb.width(); ++x) {
+            const QRgb colour = in[x] & 0x00FFFFFFu;
+            dst[x] = colour == 0 ? 0u : (colour | 0xFF000000u);
+        }
+    }
+    return out;
+}
+
+int OverlayLayer::textPixelSize(int pointSize, int pictureHeight) {
+    const double base = pointSize * 96.0 / 72.0;
+    const double grow = std::max(1.0, pictureHeight / 480.0);
+    return std::max(1, static_cast<int>(base * grow + 0.5));
+}
+
+void OverlayLayer::setBitmap(const QImage& bitmap) {
+    bitmap_ = bitmap;
+    dirty_ = true;
+}
+
+void OverlayLayer::setText(int slot, const TextOverlay& text) {
+    if (slot < 0 || slot >= kTextSlots) {
+        return;
+    }
+    texts_[static_cast<size_t>(slot)] = text;
+    dirty_ = true;
+}
+
+void OverlayLayer::clear() {
+    bitmap_ = QImage();
+    texts_ = {};
+    dirty_ = true;
+}
+
+bool OverlayLayer::isEmpty() const {
+    const bool anyText = std::any_of(texts_.begin(), texts_.end(),
+                                     [](const TextOverlay& t) { return !t.text.isEmpty(); });
+    return bitmap_.isNull() && !anyText;
+}
+
+const QImage& OverlayLayer::composed(QSize pictureSize) const {
+    if (!dirty_ && composed_.size() == pictureSize) {
+        return composed_;
+    }
+    composed_ = QImage(pictureSize, QImage::Format_ARGB32_Premultiplied);
+    composed_.fill(Qt::transparent);
+    if (!pictureSize.isEmpty()) {
+        QPainter painter(&composed_);
+        if (!bitmap_.isNull()) {
+            const QImage masked = maskBlack(bitmap_);
+            painter.drawImage(QRect(QPoint(0, 0), pictureSize), masked);
+        }
+        painter.setRenderHint(QPainter::TextAntialiasing);
+        for (const TextOverlay& text : texts_) {
+            if (text.text.isEmpty()) {
+                continue;
+            }
+            const QFont font = fontFor(text, pictureSize.height());
+            painter.setFont(font);
+            painter.setPen(text.color);
+            const QFontMetrics metrics(font);
+            painter.drawText(QPoint(text.x, text.y + metrics.ascent()), text.text);
+        }
+    }
+    dirty_ = false;
+    return composed_;
+}
+
+void OverlayLayer::paint(QPainter& painter, QSize pictureSize) const {
+    if (isEmpty()) {
+        return;
+    }
+    painter.drawImage(QPoint(0, 0), composed(pictureSize));
+}
+
+void OverlayLayer::burnInto(QImage& frame) const {
+    if (isEmpty()) {
+        return;
+    }
+    QPainter painter(&frame);
+    paint(painter, frame.size());
+}
+
+} // namespace ravelcue::media

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "MediaError.h"
+
+#include <QColor>
+#include <QImage>
+#include <QObject>
+#include <QSize>
+#include <QString>
+
+namespace ravelcue::media {
+
+class VideoView;
+
+// One player: shows one video or still picture in its view with the overlays composed on top.
+// Methods are called on the UI thread; signals arrive on the UI thread. Positions are exact: a
+// frame number addresses the n-th frame of the file, as ffmpeg's select filter counts them.
+class PlayerInstance : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+    ~PlayerInstance() override = default;
+
+    // Set-up, as the window prepares each player at start-up. None of these opens a file.
+    virtual void SetConnected(bool connected) = 0;
+    virtual bool Connected() const = 0;
+    virtual void SetVideoSize(int width, int height) = 0;
+    virtual void SetRenderMode(int renderMode) = 0;
+    virtual void SetCaptureAudio(bool captureAudio) = 0;
+    virtual void SetSetting(int number, int value) = 0;
+
+    // Opens a video or a still image, shows its first frame, rate 1.0, stopped.
+    virtual MediaError PlayerOpen(const QString& path) = 0;
+    virtual void PlayerClose() = 0;
+    virtual bool IsOpen() const = 0;
+    virtual void PlayerPlay() = 0;
+    // Pauses; keeps the position.
+    virtual void PlayerStop() = 0;
+    virtual bool IsPlaying() const = 0;
+    // 0.25 to 4.0.
+    virtual void PlayerSetRate(double rate) = 0;
+    virtual double PlayerGetPos() const = 0;  // milliseconds of the frame on show
+    virtual void PlayerSetPos(double ms) = 0; // clamped into the file; a running player goes on
+    virtual double PlayerGetFrame() const = 0;
+    virtual void PlayerSetFrame(double frame) = 0;
+    virtual QSize PlayerGetSize() const = 0;
+    virtual double PlayerGetDuration() const = 0; // milliseconds
+    virtual int PlayerGetFrameCount() const = 0;
+    virtual int PictureWidth() const = 0;
+    virtual int PictureHeight() const = 0;
+    // The part of the picture to show enlarged; four zeros show the whole picture.
+    virtual void SetZoomRegion(int x, int y, int width, int height) = 0;
+    // The frame on show, with its overlays, as a JPEG of the given quality (1..100).
+    virtual bool PlayerSaveFrame(const QString& path, int quality) = 0;
+
+    // Shape layer: RGB32 as large as the picture; black lets the picture through.
+    virtual void SetBitmapOverlay(const QImage& overlay) = 0;
+    // Text slot 0..39 at picture pixel (x, y); an empty text clears the slot.
+    virtual void SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
+                                int pointSize, QColor color) = 0;
+
+    virtual VideoView* view() const = 0;
+
+signals:
+    // The file played to its end.
+    void PlayerEnd();
+};
+
+} // namespace ravelcue::media

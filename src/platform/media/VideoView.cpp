@@ -1,0 +1,159 @@
+#include "VideoView.h"
+
+#include <QMetaObject>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace ravelcue::media {
+
+namespace {
+enum MouseKind { Press, Move, Release };
+}
+
+int mouseButtonCode(Qt::MouseButtons buttons) {
+    int code = 0;
+    if (buttons & Qt::LeftButton) {
+        code |= 1;
+    }
+    if (buttons & Qt::RightButton) {
+        code |= 2;
+    }
+    if (buttons & Qt::MiddleButton) {
+        code |= 4;
+    }
+    return code;
+}
+
+int shiftCode(Qt::KeyboardModifiers modifiers) {
+    int code = 0;
+    if (modifiers & Qt::ShiftModifier) {
+        code |= 1;
+    }
+    if (modifiers & Qt::ControlModifier) {
+        code |= 2;
+    }
+    if (modifiers & Qt::AltModifier) {
+        code |= 4;
+    }
+    return code;
+}
+
+VideoView::VideoView(QWidget* parent)
+    : QWidget(parent) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setAutoFillBackground(false);
+}
+
+void VideoView::presentFrame(const QImage& frame) {
+    {
+        QMutexLocker lock(&frameMutex_);
+        frame_ = frame;
+    }
+    if (!updatePending_.exchange(true)) {
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                updatePending_ = false;
+                update();
+            },
+            Qt::QueuedConnection);
+    }
+}
+
+QImage VideoView::currentFrame() const {
+    QMutexLocker lock(&frameMutex_);
+    return frame_;
+}
+
+QSize VideoView::pictureSize() const {
+    QMutexLocker lock(&frameMutex_);
+    return frame_.size();
+}
+
+void VideoView::overlayChanged() {
+    repaint();
+}
+
+void VideoView::setZoomRegion(const QRect& region) {
+    zoom_ = region;
+    update();
+}
+
+QRect VideoView::pictureRect() const {
+    const QSize picture = pictureSize();
+    if (picture.isEmpty()) {
+        return rect();
+    }
+    QSize fitted = picture.scaled(size(), Qt::KeepAspectRatio);
+    return QRect(QPoint((width() - fitted.width()) / 2, (height() - fitted.height()) / 2), fitted);
+}
+
+QImage VideoView::composedFrame() const {
+    QImage frame = currentFrame();
+    if (frame.isNull()) {
+        return frame;
+    }
+    frame = frame.convertToFormat(QImage::Format_RGB32);
+    overlay_.burnInto(frame);
+    return frame;
+}
+
+void VideoView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::black);
+    const QImage frame = currentFrame();
+    if (frame.isNull()) {
+        return;
+    }
+    const QRect target = pictureRect();
+    QRect source = zoom_.isEmpty() ? frame.rect() : zoom_;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(target, frame, source);
+    if (!overlay_.isEmpty()) {
+        painter.drawImage(target, overlay_.composed(frame.size()), source);
+    }
+}
+
+QPointF VideoView::toControlPosition(QPointF position) const {
+    const QRect picture = pictureRect();
+    if (picture.isEmpty() || picture.size() == size()) {
+        return position;
+    }
+    return {(position.x() - picture.left()) * width() / picture.width(),
+            (position.y() - picture.top()) * height() / picture.height()};
+}
+
+void VideoView::emitMouse(QMouseEvent* event, int kind) {
+    const QPointF at = toControlPosition(event->position());
+    const int shift = shiftCode(event->modifiers());
+    switch (kind) {
+    case Press:
+        emit mousePressed(mouseButtonCode(event->button()), shift, at.x(), at.y());
+        break;
+    case Move:
+        emit mouseMoved(mouseButtonCode(event->buttons()), shift, at.x(), at.y());
+        break;
+    default:
+        emit mouseReleased(mouseButtonCode(event->button()), shift, at.x(), at.y());
+        break;
+    }
+}
+
+void VideoView::mousePressEvent(QMouseEvent* event) {
+    emitMouse(event, Press);
+}
+
+void VideoView::mouseMoveEvent(QMouseEvent* event) {
+    emitMouse(event, Move);
+}
+
+void VideoView::mouseReleaseEvent(QMouseEvent* event) {
+    emitMouse(event, Release);
+}
+
+void VideoView::mouseDoubleClickEvent(QMouseEvent*) {
+    emit doubleClicked();
+}
+
+} // namespace ravelcue::media
