@@ -9,9 +9,9 @@ namespace ravelcue {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> kSixButtons{"cmdShowLive",    "cmdLoadVideo",
-                                                      "cmdLoadImage",   "cmdDeleteFiles",
-                                                      "cmdTraining",    "cmdBreakSpeed"};
+constexpr std::array<std::string_view, 6> kSixButtons{"cmdShowLive",  "cmdLoadVideo",
+                                                      "cmdLoadImage", "cmdDeleteFiles",
+                                                      "cmdTraining",  "cmdBreakSpeed"};
 constexpr std::array<std::string_view, 4> kToolFrames{"fmCapturetb", "fmTrainingTB",
                                                       "fmBreakSpeedTB", "fmRunEditTB"};
 
@@ -31,9 +31,8 @@ bool isOneOf(std::string_view word, std::initializer_list<std::string_view> word
 } // namespace
 
 ModeGroup modeGroup(std::string_view word) {
-    if (isOneOf(word, {"Live", "Training", "StartCaptureVideo", "StopCaptureVideo",
-                       "StartTraining", "StartCalibrate", "StopTraining", "StopCalibrate",
-                       "DeleteFiles"})) {
+    if (isOneOf(word, {"Live", "Training", "StartCaptureVideo", "StopCaptureVideo", "StartTraining",
+                       "StartCalibrate", "StopTraining", "StopCalibrate", "DeleteFiles"})) {
         return ModeGroup::Camera;
     }
     if (isOneOf(word, {"PlayVideoFile", "LoadImageFile"})) {
@@ -52,14 +51,14 @@ ModeMachine::ModeMachine(AppState& state, const AppSettings& settings, ModeHost&
 
 void ModeMachine::enableSixButtons(bool enabled) {
     for (std::string_view button : kSixButtons) {
-        host_.setEnabled(button, enabled);
+        host_.setControlEnabled(button, enabled);
     }
 }
 
 void ModeMachine::setCameraOptionsOfEnabledCameras(bool enabled) {
     for (int i = 0; i < kCameraCount; ++i) {
         if (settings_.cameraEnabled(i)) {
-            host_.setEnabled(indexed("optCamSelect", i), enabled);
+            host_.setControlEnabled(indexed("optCamSelect", i), enabled);
         }
     }
 }
@@ -81,74 +80,74 @@ void ModeMachine::State(std::string_view word) {
             }
         }
         setCameraOptionsOfEnabledCameras(true);
-        host_.setEnabled("optCamSelect_4", true);
+        host_.setControlEnabled("optCamSelect_4", true);
         enableSixButtons(true);
         host_.resetSpeedList();
-        host_.setWindowTitle();
+        host_.setTitle();
         if (state_.LiveRenderMode == "Slow") {
             state_.LiveRenderMode = "Fast";
             reconnectEnabledCameras("Fast");
         }
     } else if (word == "Training") {
         state_.CurrentState = "Training";
-        host_.setEnabled("optCamSelect_4", false);
+        host_.setControlEnabled("optCamSelect_4", false);
         if (state_.LiveRenderMode == "Fast") {
             state_.LiveRenderMode = "Slow";
             reconnectEnabledCameras("Slow");
         }
     } else if (word == "StartCaptureVideo") {
         state_.CurrentState = "StartCaptureVideo";
-        host_.setEnabled("txtFileName", false);
+        host_.setControlEnabled("txtFileName", false);
         for (int i = 0; i < kCameraCount; ++i) {
-            host_.setEnabled(indexed("chkCapture", i), false);
+            host_.setControlEnabled(indexed("chkCapture", i), false);
         }
         setCameraOptionsOfEnabledCameras(true);
-        host_.setEnabled("optCamSelect_4", true);
+        host_.setControlEnabled("optCamSelect_4", true);
         enableSixButtons(false);
     } else if (word == "StopCaptureVideo") {
         state_.CurrentState = "StopCaptureVideo";
-        host_.setEnabled("txtFileName", true);
+        host_.setControlEnabled("txtFileName", true);
         for (int i = 0; i < kCameraCount; ++i) {
             if (settings_.cameraEnabled(i)) {
-                host_.setEnabled(indexed("chkCapture", i), true);
+                host_.setControlEnabled(indexed("chkCapture", i), true);
             }
         }
-        host_.setEnabled("optCamSelect_4", true);
+        host_.setControlEnabled("optCamSelect_4", true);
         enableSixButtons(true);
     } else if (word == "BreakSpeed") {
         state_.CurrentState = "BreakSpeed";
         host_.selectCameraOption(0);
         setCameraOptionsOfEnabledCameras(false);
-        host_.setEnabled("optCamSelect_4", false);
-        host_.setEnabled("cmdShowLive", true);
+        host_.setControlEnabled("optCamSelect_4", false);
+        host_.setControlEnabled("cmdShowLive", true);
     } else if (word == "StartCaptureAudio") {
         state_.CurrentState = "BreakSpeed";
-        host_.setEnabled("cmdShowLive", false);
-        host_.setEnabled("cmdCalTone", false);
+        host_.setControlEnabled("cmdShowLive", false);
+        host_.setControlEnabled("cmdCalTone", false);
     } else if (word == "StopCaptureAudio") {
         state_.CurrentState = "BreakSpeed";
-        host_.setEnabled("cmdShowLive", true);
-        host_.setEnabled("cmdCalTone", true);
+        host_.setControlEnabled("cmdShowLive", true);
+        host_.setControlEnabled("cmdCalTone", true);
     } else if (word == "StartTraining" || word == "StartCalibrate") {
         state_.CurrentState = "StartTraining";
     } else if (word == "StopTraining" || word == "StopCalibrate") {
         state_.CurrentState = "StopTraining";
-        host_.setEnabled("cmdCalTone", true);
+        host_.setControlEnabled("cmdCalTone", true);
     } else if (word == "PlayVideoFile" || word == "LoadImageFile") {
         const bool video = word == "PlayVideoFile";
         state_.CurrentState = std::string(word);
         host_.selectCameraOption(0);
         setCameraOptionsOfEnabledCameras(false);
-        host_.setEnabled("optCamSelect_4", false);
-        host_.setVisible("Toolbar1", video);
-        host_.setEnabled("cmdDeleteFiles", false);
+        host_.setControlEnabled("optCamSelect_4", false);
+        host_.setControlVisible("Toolbar1", video);
+        host_.setControlEnabled("cmdDeleteFiles", false);
         if (video) {
-            host_.setEnabled("cmdLoadImage", true);
+            host_.setControlEnabled("cmdLoadImage", true);
         }
         host_.resetSpeedList();
-        host_.setVisible("lstSpeed", video);
-        host_.setVisible("lblSpeed2", video);
-        host_.setVisible("chkLoop", video);
+        host_.setControlVisible("lstSpeed", video);
+        host_.setControlVisible("lblSpeed2", video);
+        host_.setControlVisible("chkLoop", video);
     } else if (word == "DeleteFiles" || word == "LoadVideoFile") {
         state_.CurrentState = std::string(word);
     }
@@ -156,57 +155,57 @@ void ModeMachine::State(std::string_view word) {
 }
 
 void ModeMachine::setMenuEntriesForCameras() {
-    host_.setEnabled("mnuCameraSelect", true);
+    host_.setControlEnabled("mnuCameraSelect", true);
     for (std::string_view entry : {"mnuPlayerSelect", "mnuCaptureImage", "mnuCaptureSet",
                                    "mnuSaveVideo", "mnuZoomPan", "mnuGridControl"}) {
-        host_.setEnabled(entry, false);
+        host_.setControlEnabled(entry, false);
     }
 }
 
 void ModeMachine::setMenuEntriesForPlayers() {
-    host_.setEnabled("mnuCameraSelect", false);
+    host_.setControlEnabled("mnuCameraSelect", false);
     for (std::string_view entry : {"mnuSaveVideo", "mnuZoomPan", "mnuGridControl"}) {
-        host_.setEnabled(entry, true);
+        host_.setControlEnabled(entry, true);
     }
 }
 
 void ModeMachine::showOnlyFrame(std::string_view frame) {
     for (std::string_view f : kToolFrames) {
-        host_.setVisible(f, f == frame);
+        host_.setControlVisible(f, f == frame);
     }
 }
 
 void ModeMachine::UpdateView() {
     for (int i = 0; i < kCameraCount; ++i) {
-        host_.setVisible(indexed("picPlayer", i), false);
-        host_.setVisible(indexed("picCapture", i), false);
+        host_.setControlVisible(indexed("picPlayer", i), false);
+        host_.setControlVisible(indexed("picCapture", i), false);
     }
-    host_.setVisible("picBreakSpeed", false);
+    host_.setControlVisible("picBreakSpeed", false);
 
     const std::string& word = state_.CurrentState;
     if (isOneOf(word, {"Live", "StartCaptureVideo", "DeleteFiles"})) {
         setMenuEntriesForCameras();
         showOnlyFrame("fmCapturetb");
-        host_.setVisible("Slider1", false);
+        host_.setControlVisible("Slider1", false);
     } else if (isOneOf(word, {"Training", "StartTraining"})) {
         setMenuEntriesForCameras();
         showOnlyFrame("fmTrainingTB");
-        host_.setVisible("Slider1", false);
-        host_.setVisible(indexed("picCapture", state_.SelectedCam), true);
+        host_.setControlVisible("Slider1", false);
+        host_.setControlVisible(indexed("picCapture", state_.SelectedCam), true);
     } else if (word == "BreakSpeed") {
         showOnlyFrame("fmBreakSpeedTB");
-        host_.setVisible("Slider1", false);
+        host_.setControlVisible("Slider1", false);
         state_.SelectedCam = 0;
-        host_.setVisible("picBreakSpeed", true);
+        host_.setControlVisible("picBreakSpeed", true);
     } else if (isOneOf(word, {"PlayVideoFile", "LoadVideoFile"})) {
         setMenuEntriesForPlayers();
         showOnlyFrame("fmRunEditTB");
-        host_.setVisible("Slider1", true);
+        host_.setControlVisible("Slider1", true);
         state_.SelectedCam = 0;
     } else if (word == "LoadImageFile") {
         setMenuEntriesForPlayers();
         showOnlyFrame("fmRunEditTB");
-        host_.setVisible("Slider1", false);
+        host_.setControlVisible("Slider1", false);
         state_.SelectedCam = 0;
     }
     host_.formResize();

@@ -14,15 +14,15 @@ class ModeHost {
 public:
     virtual ~ModeHost() = default;
 
-    virtual void setEnabled(std::string_view control, bool enabled) = 0;
-    virtual void setVisible(std::string_view control, bool visible) = 0;
+    virtual void setControlEnabled(std::string_view control, bool enabled) = 0;
+    virtual void setControlVisible(std::string_view control, bool visible) = 0;
     // Sets option `index` of the camera options; when it was not already set its click handler
     // runs at once (which ends in an inner UpdateView).
     virtual void selectCameraOption(int index) = 0;
     // The speed list back to "X1" without a highlight.
     virtual void resetSpeedList() = 0;
     // "Ravelcue - " and the program's version.
-    virtual void setWindowTitle() = 0;
+    virtual void setTitle() = 0;
     virtual void connectCam(int camera, int deviceIndex, std::string_view renderMode) = 0;
     virtual void closePlayer(int player) = 0;
     // Sizes and shows the panes of the current mode.
@@ -42,6 +42,8 @@ public:
 
     void State(std::string_view word);
     void UpdateView();
+    // Sizes and shows the panes of the current mode (the window's resize operation).
+    void FormResize() { host_.formResize(); }
 
 private:
     void enableSixButtons(bool enabled);

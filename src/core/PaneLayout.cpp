@@ -136,10 +136,10 @@ void LayoutPanes(PaneGeometry& geometry, AppState& state) {
             const auto k = static_cast<size_t>(i);
             videos[k] = fitPicture(panes[k]);
             if (players && videos[k].width > 0 && videos[k].height > 0) {
-                state.PlayerScaleX[k] = static_cast<float>(state.VideoWidth[k]) /
-                                        static_cast<float>(videos[k].width);
-                state.PlayerScaleY[k] = static_cast<float>(state.VideoHeight[k]) /
-                                        static_cast<float>(videos[k].height);
+                state.PlayerScaleX[k] =
+                    static_cast<float>(state.VideoWidth[k]) / static_cast<float>(videos[k].width);
+                state.PlayerScaleY[k] =
+                    static_cast<float>(state.VideoHeight[k]) / static_cast<float>(videos[k].height);
             }
         }
     }

@@ -1,1 +1,109 @@
+#include "core/AppSettings.h"
+#include "core/SettingsStore.h"
+#include "core/VideoSize.h"
+
 #include <gtest/gtest.h>
+
+namespace ravelcue {
+namespace {
+
+TEST(AppSettings, NothingStoredGivesTheDefaults) {
+    const MemorySettingsStore empty;
+    const AppSettings s = LoadSettings(empty);
+    EXPECT_EQ(s.Units, 0);
+    EXPECT_EQ(s.Cueball, 1);
+    EXPECT_EQ(s.EnableDistance, 1);
+    EXPECT_FLOAT_EQ(s.Distance, 48.0F);
+    EXPECT_EQ(s.MarkerColor, 65280);
+    EXPECT_EQ(s.MarkerWidth, 2);
+    EXPECT_EQ(s.AviCodec, "None");
+    EXPECT_EQ(s.WmvProfile, "Video for broadband NTSC (1500 Kbps total)");
+    EXPECT_EQ(s.CaptureType, "AVI");
+    for (int i = 0; i < 4; ++i) {
+        const auto k = static_cast<size_t>(i);
+        EXPECT_EQ(s.VideoDeviceIndex[k], i) << "camera i defaults to device i";
+        EXPECT_EQ(s.CamNickname[k], "Cam" + std::to_string(i + 1));
+        EXPECT_EQ(s.VideoSize[k], "640x480");
+        EXPECT_EQ(s.FrameRate[k], "30");
+        EXPECT_EQ(s.CamEnable[k], 0);
+        EXPECT_TRUE(s.VideoSource[k].empty());
+    }
+    EXPECT_TRUE(s.AudioSource.empty());
+}
+
+TEST(AppSettings, SaveThenLoadGivesTheSameValues) {
+    AppSettings s;
+    s.Units = 1;
+    s.Cueball = 0;
+    s.Distance = 90.25F;
+    s.MarkerColor = 16711935;
+    s.AviCodec = "MJPEG";
+    s.CaptureType = "WMV";
+    s.VideoSource[2] = "Demo Camera 3(2)";
+    s.VideoDeviceIndex[2] = 5;
+    s.VideoSize[2] = "1280x720";
+    s.FrameRate[2] = "29.97";
+    s.CamEnable[2] = 1;
+    s.CamNickname[2] = "Side Rail";
+    s.AudioSource = "Demo Microphone";
+    s.AudioDeviceIndex = 3;
+    MemorySettingsStore store;
+    SaveSettings(store, s, "1");
+    EXPECT_EQ(store.values().at("Distance"), "90.25");
+    EXPECT_EQ(store.values().at("Startup CheckForUpdate Enable"), "1");
+
+    const AppSettings back = LoadSettings(store);
+    EXPECT_EQ(back.Units, 1);
+    EXPECT_EQ(back.Cueball, 0);
+    EXPECT_FLOAT_EQ(back.Distance, 90.25F);
+    EXPECT_EQ(back.MarkerColor, 16711935);
+    EXPECT_EQ(back.AviCodec, "MJPEG");
+    EXPECT_EQ(back.CaptureType, "WMV");
+    EXPECT_EQ(back.VideoSource[2], "Demo Camera 3(2)");
+    EXPECT_EQ(back.VideoDeviceIndex[2], 5);
+    EXPECT_EQ(back.VideoSize[2], "1280x720");
+    EXPECT_EQ(back.FrameRate[2], "29.97");
+    EXPECT_EQ(back.CamEnable[2], 1);
+    EXPECT_EQ(back.CamNickname[2], "Side Rail");
+    EXPECT_EQ(back.AudioSource, "Demo Microphone");
+    EXPECT_EQ(back.AudioDeviceIndex, 3);
+}
+
+TEST(AppSettings, HandEditedAndOddValuesFallBackOneByOne) {
+    MemorySettingsStore store;
+    store.writeText("Units", "abc");
+    store.writeText("Cueball", "");
+    store.writeText("Marker Width", "99999");
+    store.writeText("Distance", "12 ft");
+    store.writeText("Avi Codec", "");
+    store.writeText("CamNickname-1", std::string(1024, 'x'));
+    store.writeText("CamNickname-2", std::string(1023, 'y'));
+    store.writeText("CamEnable-2", "1");
+    store.writeText("Enable Distance", "0");
+    const AppSettings s = LoadSettings(store);
+    EXPECT_EQ(s.Units, 0) << "a non-number takes its default";
+    EXPECT_EQ(s.Cueball, 1) << "an empty number takes its default";
+    EXPECT_EQ(s.MarkerWidth, 2) << "out of range takes its default";
+    EXPECT_FLOAT_EQ(s.Distance, 48.0F);
+    EXPECT_EQ(s.AviCodec, "") << "a stored empty text reads as empty, not as the default";
+    EXPECT_EQ(s.CamNickname[1], "Cam2") << "longer than 1023 bytes reads as the default";
+    EXPECT_EQ(s.CamNickname[2], std::string(1023, 'y'));
+    EXPECT_EQ(s.CamEnable[2], 1) << "enabled without a source is kept as it is";
+    EXPECT_TRUE(s.VideoSource[2].empty());
+    EXPECT_EQ(s.EnableDistance, 0) << "values after a bad one still load";
+}
+
+TEST(VideoSize, AnyNumberOfDigitsOnEachSide) {
+    EXPECT_EQ(parseVideoSize("640x480"), (VideoSizeValue{640, 480}));
+    EXPECT_EQ(parseVideoSize("1280x720"), (VideoSizeValue{1280, 720}));
+    EXPECT_EQ(parseVideoSize("1920X1080"), (VideoSizeValue{1920, 1080}));
+    EXPECT_FALSE(parseVideoSize("640x"));
+    EXPECT_FALSE(parseVideoSize("x480"));
+    EXPECT_FALSE(parseVideoSize("0x480"));
+    EXPECT_FALSE(parseVideoSize("640*480"));
+    EXPECT_FALSE(parseVideoSize("-640x480"));
+    EXPECT_FALSE(parseVideoSize("640x480p"));
+}
+
+} // namespace
+} // namespace ravelcue

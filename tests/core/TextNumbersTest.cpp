@@ -1,5 +1,6 @@
-#include "core/Rounding.h"
 #include "core/TextNumbers.h"
+
+#include "core/Rounding.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
+#include <cstdlib>
+
 #include <QApplication>
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 // Widget tests run offscreen unless the environment says otherwise (a screenshot under Xvfb).
 int main(int argc, char** argv) {

@@ -1,9 +1,9 @@
 #include "OverlayLayer.h"
 
+#include <algorithm>
+
 #include <QFont>
 #include <QPainter>
-
-#include <algorithm>
 
 namespace ravelcue::media {
 
@@ -26,8 +26,9 @@ QFont fontFor(const TextOverlay& text, int pictureHeight) {
 } // namespace
 
 QImage maskBlack(const QImage& source) {
-    QImage rgb = source.format() == QImage::Format_RGB32 ? source
-                                                         : source.convertToFormat(QImage::Format_RGB32);
+    QImage rgb = source.format() == QImage::Format_RGB32
+                     ? source
+                     : source.convertToFormat(QImage::Format_RGB32);
     QImage out(rgb.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < rgb.height(); ++y) {
         const auto* in = reinterpret_cast<const QRgb*>(rgb.constScanLine(y));

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <array>
+
 #include <QColor>
 #include <QImage>
 #include <QSize>
 #include <QString>
-
-#include <array>
 
 class QPainter;
 

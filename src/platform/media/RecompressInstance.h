@@ -27,8 +27,8 @@ public:
                                 int pointSize, QColor color) = 0;
     // Returns at once; startMs and endMs of 0 and 0 mean the whole file. The second argument is
     // kept for the caller's sake and is always empty. False when a job is already running.
-    virtual bool Recompress(const QString& source, const QString& unused, const QString& destination,
-                            double startMs, double endMs) = 0;
+    virtual bool Recompress(const QString& source, const QString& unused,
+                            const QString& destination, double startMs, double endMs) = 0;
     virtual void Cancel() = 0;
     virtual bool IsBusy() const = 0;
 

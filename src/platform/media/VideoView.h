@@ -2,12 +2,12 @@
 
 #include "OverlayLayer.h"
 
+#include <atomic>
+
 #include <QImage>
 #include <QMutex>
 #include <QRect>
 #include <QWidget>
-
-#include <atomic>
 
 namespace ravelcue::media {
 

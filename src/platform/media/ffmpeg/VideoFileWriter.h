@@ -3,9 +3,9 @@
 #include "../MediaError.h"
 #include "FfmpegPtr.h"
 
-#include <QString>
-
 #include <memory>
+
+#include <QString>
 
 namespace ravelcue::media::ffmpeg {
 

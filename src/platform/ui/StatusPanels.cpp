@@ -1,0 +1,43 @@
+#include "StatusPanels.h"
+
+#include <QLabel>
+
+namespace ravelcue::ui {
+
+StatusPanels::StatusPanels(QWidget* parent)
+    : QStatusBar(parent) {
+    setObjectName(QStringLiteral("StatusBar1"));
+    setSizeGripEnabled(true);
+    const std::array<int, 5> stretch{2, 3, 3, 3, 3};
+    for (size_t i = 0; i < panels_.size(); ++i) {
+        auto* label = new QLabel(this);
+        label->setObjectName(QStringLiteral("StatusBar1_%1").arg(i + 1));
+        label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        label->setMinimumWidth(60);
+        label->setTextInteractionFlags(Qt::NoTextInteraction);
+        addWidget(label, stretch[i]);
+        panels_[i] = label;
+    }
+}
+
+void StatusPanels::setPanel(int panel, const QString& text) {
+    if (panel >= 1 && panel <= static_cast<int>(panels_.size())) {
+        panels_[static_cast<size_t>(panel - 1)]->setText(text);
+    }
+}
+
+QString StatusPanels::panel(int panel) const {
+    if (panel >= 1 && panel <= static_cast<int>(panels_.size())) {
+        return panels_[static_cast<size_t>(panel - 1)]->text();
+    }
+    return {};
+}
+
+void StatusPanels::setActivity(const QString& text) {
+    setPanel(1, text);
+    for (int i = 2; i <= 5; ++i) {
+        setPanel(i, QString());
+    }
+}
+
+} // namespace ravelcue::ui

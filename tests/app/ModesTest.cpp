@@ -1,0 +1,109 @@
+#include "WindowFixture.h"
+
+#include "platform/media/VideoView.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QRadioButton>
+
+#include <gtest/gtest.h>
+
+namespace ravelcue::test {
+namespace {
+
+class Modes : public ::testing::Test {
+protected:
+    Modes() {
+        fixture.answeredUpdateQuestion();
+        fixture.enableCamera(0);
+        fixture.enableCamera(3);
+        fixture.start();
+        fixture.recorder.clearLog();
+    }
+
+    bool shown(const QString& name) { return !fixture.find<QWidget>(name)->isHidden(); }
+    AppState& state() { return fixture.window().state(); }
+
+    WindowFixture fixture;
+};
+
+TEST_F(Modes, TrainingAndLiveReconnectTheEnabledCamerasWithTheirRenderMode) {
+    fixture.click("cmdTraining");
+    EXPECT_EQ(fixture.recorder.calls("cam0.SetRenderMode"), QStringList{"cam0.SetRenderMode(1)"});
+    EXPECT_EQ(fixture.recorder.calls("cam3.SetRenderMode"), QStringList{"cam3.SetRenderMode(1)"});
+    EXPECT_TRUE(fixture.recorder.calls("cam1.").isEmpty());
+    EXPECT_EQ(fixture.panel(1), "Stroke Training");
+    EXPECT_EQ(fixture.text("lblAlarm"), "");
+    EXPECT_TRUE(shown("fmTrainingTB"));
+    EXPECT_FALSE(fixture.find<QRadioButton>("optCamSelect_4")->isEnabled());
+
+    fixture.recorder.clearLog();
+    fixture.click("cmdTraining");
+    EXPECT_TRUE(fixture.recorder.calls("cam").isEmpty()) << "already slow: no second reconnect";
+
+    fixture.click("cmdShowLive");
+    EXPECT_EQ(fixture.recorder.calls("cam0.SetRenderMode"), QStringList{"cam0.SetRenderMode(0)"});
+    EXPECT_EQ(fixture.recorder.calls("cam3.SetRenderMode"), QStringList{"cam3.SetRenderMode(0)"});
+    EXPECT_EQ(fixture.panel(1), "Live Video");
+    EXPECT_TRUE(shown("fmCapturetb"));
+    // The live button also wipes the selected camera's marks and closes its player.
+    EXPECT_TRUE(fixture.recorder.calls("cam0.SetBitmapOverlay").size() == 1);
+    EXPECT_TRUE(fixture.recorder.log().contains("player0.PlayerClose()"));
+}
+
+TEST_F(Modes, CameraOptionsSwitchBetweenOneCameraAndAll) {
+    fixture.click("optCamSelect_3");
+    EXPECT_EQ(state().SelectedCam, 3);
+    EXPECT_TRUE(shown("picCapture_3"));
+    EXPECT_FALSE(shown("picCapture_0"));
+
+    fixture.click("optCamSelect_4");
+    EXPECT_EQ(state().CameraView, "QuadCamera");
+    EXPECT_EQ(state().SelectedCam, 3) << "all four keeps the selected camera";
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_TRUE(shown(QStringLiteral("picCapture_%1").arg(i))) << "blank panes show too";
+    }
+
+    // A double click on a picture in the quad view shows that camera alone, and back.
+    emit fixture.window().media().cam(0).view()->doubleClicked();
+    EXPECT_EQ(state().CameraView, "SingleCamera");
+    EXPECT_EQ(state().SelectedCam, 0);
+    emit fixture.window().media().cam(0).view()->doubleClicked();
+    EXPECT_EQ(state().CameraView, "QuadCamera");
+}
+
+TEST_F(Modes, CameraMenuStillReachesAllFourInTraining) {
+    fixture.click("cmdTraining");
+    ASSERT_FALSE(fixture.find<QRadioButton>("optCamSelect_4")->isEnabled());
+    fixture.click("mnuCamera_4");
+    EXPECT_EQ(state().CameraView, "QuadCamera");
+    EXPECT_TRUE(fixture.find<QRadioButton>("optCamSelect_4")->isChecked());
+}
+
+TEST_F(Modes, BreakSpeedFromTheQuadViewShowsItsPaneWithCameraOneSelected) {
+    fixture.click("optCamSelect_3");
+    fixture.click("optCamSelect_4");
+    fixture.click("cmdBreakSpeed");
+    EXPECT_EQ(state().CurrentState, "BreakSpeed");
+    EXPECT_EQ(state().CameraView, "SingleCamera");
+    EXPECT_EQ(state().SelectedCam, 0);
+    EXPECT_TRUE(shown("picBreakSpeed"));
+    EXPECT_TRUE(shown("fmBreakSpeedTB"));
+    EXPECT_FALSE(shown("picCapture_0"));
+    EXPECT_EQ(fixture.panel(1), "Break Speed");
+    EXPECT_FALSE(fixture.find<QRadioButton>("optCamSelect_0")->isEnabled());
+
+    fixture.click("cmdShowLive");
+    EXPECT_TRUE(shown("picCapture_0"));
+    EXPECT_TRUE(fixture.find<QRadioButton>("optCamSelect_0")->isEnabled());
+    EXPECT_FALSE(fixture.find<QRadioButton>("optCamSelect_1")->isEnabled());
+}
+
+TEST_F(Modes, DeleteFilesComesBackToLive) {
+    fixture.click("cmdDeleteFiles");
+    EXPECT_EQ(state().CurrentState, "Live");
+    EXPECT_TRUE(shown("fmCapturetb"));
+}
+
+} // namespace
+} // namespace ravelcue::test

@@ -1,0 +1,55 @@
+#include "WindowFixture.h"
+
+#include "core/AppSettings.h"
+#include "platform/ui/StatusPanels.h"
+
+#include <QStatusBar>
+
+#include <gtest/gtest.h>
+
+namespace ravelcue::test {
+
+WindowFixture::WindowFixture(media::MediaEngine* engine)
+    : engine_(engine != nullptr ? engine : &recorder) {}
+
+WindowFixture::~WindowFixture() {
+    if (window_) {
+        window_->ShutDown();
+    }
+}
+
+void WindowFixture::answeredUpdateQuestion(const char* answer) {
+    store.writeText(kCheckForUpdateSetting, answer);
+}
+
+void WindowFixture::enableCamera(int camera, const std::string& source) {
+    store.writeText(cameraSettingName("Video Source-", camera), source);
+    store.writeText(cameraSettingName("CamEnable-", camera), "1");
+}
+
+app::MainWindow& WindowFixture::start() {
+    window_ = std::make_unique<app::MainWindow>(app::MainWindowServices{
+        store, *engine_, prompts, popup, clock, tones, {data.path(), program.path()}});
+    window_->Form_Load();
+    window_->show();
+    QCoreApplication::processEvents();
+    return *window_;
+}
+
+void WindowFixture::click(const QString& name) {
+    QObject* object = window_->control(name);
+    if (auto* action = qobject_cast<QAction*>(object)) {
+        action->trigger();
+    } else if (auto* button = qobject_cast<QAbstractButton*>(object)) {
+        QTest::mouseClick(button, Qt::LeftButton);
+    } else {
+        ADD_FAILURE() << "no clickable control named " << name.toStdString();
+    }
+    QCoreApplication::processEvents();
+}
+
+QString WindowFixture::panel(int n) {
+    return window_->findChild<ui::StatusPanels*>()->panel(n);
+}
+
+} // namespace ravelcue::test

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "app/MainWindow.h"
+#include "core/SettingsStore.h"
+#include "core/ToneBus.h"
+#include "platform/ui/Clock.h"
+#include "platform/ui/StatusPopup.h"
+#include "support/RecordingEngine.h"
+#include "support/ScriptedPrompts.h"
+#include "support/TempFolder.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QLabel>
+#include <QTest>
+
+#include <memory>
+
+namespace ravelcue::test {
+
+// A main window on temporary folders, an in-memory settings store, scripted prompts and a clock
+// running fifty times fast. The engine is a RecordingEngine unless another is given.
+class WindowFixture {
+public:
+    explicit WindowFixture(media::MediaEngine* engine = nullptr);
+    ~WindowFixture();
+
+    // Stores the answer to the first-run question, so that start-up asks nothing.
+    void answeredUpdateQuestion(const char* answer = "0");
+    // Stores a source and enables the camera.
+    void enableCamera(int camera, const std::string& source = "Demo Camera");
+
+    // Builds the window, runs start-up and shows it.
+    app::MainWindow& start();
+
+    app::MainWindow& window() { return *window_; }
+    template <typename T = QObject>
+    T* find(const QString& name) {
+        return qobject_cast<T*>(window_->control(name));
+    }
+    // Clicks a button, or triggers a menu entry or toolbar button, by its object name.
+    void click(const QString& name);
+    QString panel(int n);
+    QString text(const QString& labelName) { return find<QLabel>(labelName)->text(); }
+
+    MemorySettingsStore store;
+    RecordingEngine recorder;
+    ScriptedPrompts prompts;
+    ui::Clock clock{50.0};
+    ui::StatusPopup popup{clock};
+    ToneBus tones;
+    TempFolder data;
+    TempFolder program;
+
+private:
+    media::MediaEngine* engine_;
+    std::unique_ptr<app::MainWindow> window_;
+};
+
+} // namespace ravelcue::test

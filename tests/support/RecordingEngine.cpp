@@ -1,0 +1,263 @@
+#include "RecordingEngine.h"
+
+#include "platform/media/AudioInstance.h"
+#include "platform/media/CaptureInstance.h"
+#include "platform/media/DeviceCatalog.h"
+#include "platform/media/PlayerInstance.h"
+#include "platform/media/RecompressInstance.h"
+#include "platform/media/VideoView.h"
+
+#include <QPointer>
+
+namespace ravelcue::test {
+
+namespace {
+
+using Log = std::shared_ptr<QStringList>;
+
+class ListedDevices final : public media::DeviceCatalog {
+public:
+    ListedDevices(QStringList video, QStringList audio)
+        : video_(std::move(video))
+        , audio_(std::move(audio)) {}
+    void refresh() override {}
+    int VideoDeviceCount() const override { return static_cast<int>(video_.size()); }
+    QString VideoDeviceName(int i) const override { return video_.value(i); }
+    int AudioDeviceCount() const override { return static_cast<int>(audio_.size()); }
+    QString AudioDeviceName(int i) const override { return audio_.value(i); }
+
+private:
+    QStringList video_;
+    QStringList audio_;
+};
+
+class Recorder {
+public:
+    Recorder(Log log, QString name)
+        : log_(std::move(log))
+        , name_(std::move(name)) {}
+    void note(const QString& call) const { log_->append(name_ + QLatin1Char('.') + call); }
+
+private:
+    Log log_;
+    QString name_;
+};
+
+QString arg(double value) {
+    return QString::number(value);
+}
+
+class RecordingCapture final : public media::CaptureInstance, Recorder {
+public:
+    RecordingCapture(Log log, int index)
+        : Recorder(std::move(log), QStringLiteral("cam%1").arg(index))
+        , view_(new media::VideoView) {}
+    ~RecordingCapture() override { delete view_.data(); }
+
+    void SetConnected(bool c) override {
+        connected_ = c;
+        note(QStringLiteral("SetConnected(%1)").arg(c));
+    }
+    bool Connected() const override { return connected_; }
+    void SetVideoDevice(int i) override {
+        device_ = i;
+        note(QStringLiteral("SetVideoDevice(%1)").arg(i));
+    }
+    int VideoDevice() const override { return device_; }
+    void SetCaptureFrameRate(double fps) override {
+        note(QStringLiteral("SetCaptureFrameRate(%1)").arg(arg(fps)));
+    }
+    void SetCaptureAudio(bool a) override { note(QStringLiteral("SetCaptureAudio(%1)").arg(a)); }
+    void SetRenderMode(int m) override {
+        renderMode_ = m;
+        note(QStringLiteral("SetRenderMode(%1)").arg(m));
+    }
+    int RenderMode() const override { return renderMode_; }
+    void SetPreviewScale(bool s) override { note(QStringLiteral("SetPreviewScale(%1)").arg(s)); }
+    bool SetVideoSize(int w, int h) override {
+        note(QStringLiteral("SetVideoSize(%1,%2)").arg(w).arg(h));
+        return true;
+    }
+    QSize GetVideoSize() const override { return {640, 480}; }
+    double GetFrameRate() const override { return 30; }
+    void SetPreview(bool p) override {
+        preview_ = p;
+        note(QStringLiteral("SetPreview(%1)").arg(p));
+    }
+    bool Preview() const override { return preview_; }
+    void SetSetting(int n, int v) override { note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v)); }
+    void SetCaptureFile(const QString& p) override {
+        file_ = p;
+        note(QStringLiteral("SetCaptureFile(%1)").arg(p));
+    }
+    QString CaptureFile() const override { return file_; }
+    int CompressorCount() const override { return 0; }
+    QString CompressorName(int) const override { return {}; }
+    void SetCompressorIndex(int n) override { note(QStringLiteral("SetCompressorIndex(%1)").arg(n)); }
+    int CompressorIndex() const override { return -1; }
+    int ProfileCount() const override { return 0; }
+    QString ProfileName(int) const override { return {}; }
+    void SetProfileIndex(int n) override { note(QStringLiteral("SetProfileIndex(%1)").arg(n)); }
+    int ProfileIndex() const override { return 0; }
+    bool StartCapture() override {
+        note(QStringLiteral("StartCapture()"));
+        return true;
+    }
+    bool StartCaptureUncompressed() override {
+        note(QStringLiteral("StartCaptureUncompressed()"));
+        return true;
+    }
+    void PauseCapture() override { note(QStringLiteral("PauseCapture()")); }
+    void ResumeCapture() override { note(QStringLiteral("ResumeCapture()")); }
+    void StopCapture() override { note(QStringLiteral("StopCapture()")); }
+    bool IsCapturing() const override { return false; }
+    media::CaptureStats GetCaptureStats() const override { return {}; }
+    QByteArray FrameBytes() const override { return {}; }
+    void SetBitmapOverlay(const QImage&) override { note(QStringLiteral("SetBitmapOverlay()")); }
+    media::VideoView* view() const override { return view_; }
+
+private:
+    QPointer<media::VideoView> view_;
+    bool connected_ = false;
+    bool preview_ = false;
+    int device_ = -1;
+    int renderMode_ = 0;
+    QString file_;
+};
+
+class RecordingPlayer final : public media::PlayerInstance, Recorder {
+public:
+    RecordingPlayer(Log log, int index)
+        : Recorder(std::move(log), QStringLiteral("player%1").arg(index))
+        , view_(new media::VideoView) {}
+    ~RecordingPlayer() override { delete view_.data(); }
+
+    void SetConnected(bool c) override {
+        connected_ = c;
+        note(QStringLiteral("SetConnected(%1)").arg(c));
+    }
+    bool Connected() const override { return connected_; }
+    void SetVideoSize(int w, int h) override {
+        note(QStringLiteral("SetVideoSize(%1,%2)").arg(w).arg(h));
+    }
+    void SetRenderMode(int m) override { note(QStringLiteral("SetRenderMode(%1)").arg(m)); }
+    void SetCaptureAudio(bool a) override { note(QStringLiteral("SetCaptureAudio(%1)").arg(a)); }
+    void SetSetting(int n, int v) override { note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v)); }
+    media::MediaError PlayerOpen(const QString& path) override {
+        note(QStringLiteral("PlayerOpen(%1)").arg(path));
+        return {};
+    }
+    void PlayerClose() override { note(QStringLiteral("PlayerClose()")); }
+    bool IsOpen() const override { return false; }
+    void PlayerPlay() override { note(QStringLiteral("PlayerPlay()")); }
+    void PlayerStop() override { note(QStringLiteral("PlayerStop()")); }
+    bool IsPlaying() const override { return false; }
+    void PlayerSetRate(double r) override { note(QStringLiteral("PlayerSetRate(%1)").arg(arg(r))); }
+    double PlayerGetPos() const override { return 0; }
+    void PlayerSetPos(double ms) override { note(QStringLiteral("PlayerSetPos(%1)").arg(arg(ms))); }
+    double PlayerGetFrame() const override { return 0; }
+    void PlayerSetFrame(double f) override { note(QStringLiteral("PlayerSetFrame(%1)").arg(arg(f))); }
+    QSize PlayerGetSize() const override { return {}; }
+    double PlayerGetDuration() const override { return 0; }
+    int PlayerGetFrameCount() const override { return 0; }
+    int PictureWidth() const override { return 0; }
+    int PictureHeight() const override { return 0; }
+    void SetZoomRegion(int, int, int, int) override {}
+    bool PlayerSaveFrame(const QString&, int) override { return false; }
+    void SetBitmapOverlay(const QImage&) override {}
+    void SetTextOverlay(int, const QString&, int, int, const QString&, int, QColor) override {}
+    media::VideoView* view() const override { return view_; }
+
+private:
+    QPointer<media::VideoView> view_;
+    bool connected_ = false;
+};
+
+class RecordingRecompress final : public media::RecompressInstance {
+public:
+    using RecompressInstance::RecompressInstance;
+    void SetBitmapOverlay(const QImage&) override {}
+    void SetTextOverlay(int, const QString&, int, int, const QString&, int, QColor) override {}
+    bool Recompress(const QString&, const QString&, const QString&, double, double) override {
+        return false;
+    }
+    void Cancel() override {}
+    bool IsBusy() const override { return false; }
+};
+
+class RecordingAudio final : public media::AudioInstance, Recorder {
+public:
+    explicit RecordingAudio(Log log)
+        : Recorder(std::move(log), QStringLiteral("audio")) {}
+    void SetAudioDevice(int i) override {
+        device_ = i;
+        note(QStringLiteral("SetAudioDevice(%1)").arg(i));
+    }
+    int AudioDevice() const override { return device_; }
+    bool SetConnected(bool c) override {
+        connected_ = c;
+        note(QStringLiteral("SetConnected(%1)").arg(c));
+        return true;
+    }
+    bool Connected() const override { return connected_; }
+    void SetVideoDevice(int i) override { note(QStringLiteral("SetVideoDevice(%1)").arg(i)); }
+    void SetCaptureAudio(bool a) override { note(QStringLiteral("SetCaptureAudio(%1)").arg(a)); }
+    void SetCaptureFile(const QString& p) override {
+        file_ = p;
+        note(QStringLiteral("SetCaptureFile(%1)").arg(p));
+    }
+    QString CaptureFile() const override { return file_; }
+    bool StartCapture() override {
+        note(QStringLiteral("StartCapture()"));
+        return true;
+    }
+    void StopCapture() override { note(QStringLiteral("StopCapture()")); }
+    bool IsCapturing() const override { return false; }
+    void SetPreview(bool p) override { note(QStringLiteral("SetPreview(%1)").arg(p)); }
+    int AudioLevel() const override { return 0; }
+
+private:
+    int device_ = 0;
+    bool connected_ = false;
+    QString file_;
+};
+
+} // namespace
+
+RecordingEngine::RecordingEngine(QStringList videoDevices, QStringList audioDevices)
+    : log_(std::make_shared<QStringList>())
+    , devices_(std::make_unique<ListedDevices>(std::move(videoDevices), std::move(audioDevices))) {}
+
+RecordingEngine::~RecordingEngine() = default;
+
+media::DeviceCatalog& RecordingEngine::devices() {
+    return *devices_;
+}
+
+std::unique_ptr<media::CaptureInstance> RecordingEngine::createCapture(int index) {
+    return std::make_unique<RecordingCapture>(log_, index);
+}
+
+std::unique_ptr<media::PlayerInstance> RecordingEngine::createPlayer(int index) {
+    return std::make_unique<RecordingPlayer>(log_, index);
+}
+
+std::unique_ptr<media::RecompressInstance> RecordingEngine::createRecompress(int index) {
+    return std::make_unique<RecordingRecompress>(index);
+}
+
+std::unique_ptr<media::AudioInstance> RecordingEngine::createAudio() {
+    return std::make_unique<RecordingAudio>(log_);
+}
+
+QStringList RecordingEngine::calls(const QString& prefix) const {
+    QStringList found;
+    for (const QString& call : *log_) {
+        if (call.startsWith(prefix)) {
+            found << call;
+        }
+    }
+    return found;
+}
+
+} // namespace ravelcue::test

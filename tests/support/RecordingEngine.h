@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/media/MediaEngine.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace ravelcue::test {
+
+// An engine whose instances do nothing but write each call into one shared log, as
+// "cam2.SetConnected(1)" or "player0.PlayerClose()", so that tests can check what the window asked
+// of the engine and in which order. Its device lists hold the names it is given.
+class RecordingEngine final : public media::MediaEngine {
+public:
+    explicit RecordingEngine(QStringList videoDevices = {}, QStringList audioDevices = {});
+    ~RecordingEngine() override;
+
+    media::DeviceCatalog& devices() override;
+    std::unique_ptr<media::CaptureInstance> createCapture(int index) override;
+    std::unique_ptr<media::PlayerInstance> createPlayer(int index) override;
+    std::unique_ptr<media::RecompressInstance> createRecompress(int index) override;
+    std::unique_ptr<media::AudioInstance> createAudio() override;
+
+    QStringList& log() { return *log_; }
+    // The calls whose text starts with the prefix ("cam0.").
+    QStringList calls(const QString& prefix) const;
+    void clearLog() { log_->clear(); }
+
+private:
+    std::shared_ptr<QStringList> log_;
+    std::unique_ptr<media::DeviceCatalog> devices_;
+};
+
+} // namespace ravelcue::test
