@@ -8,6 +8,7 @@
 #include "core/Version.h"
 #include "platform/media/MediaEngine.h"
 #include "platform/media/VideoView.h"
+#include "platform/sound/SoundOutput.h"
 #include "platform/ui/StatusPanels.h"
 #include "platform/ui/StatusPopup.h"
 #include "playback/PlayerPanes.h"
@@ -43,7 +44,8 @@ MainWindow::MainWindow(const MainWindowServices& services, QWidget* parent)
     , status_(new ui::StatusPanels(this))
     , context_{state_,   settings_,        services.store, mode_,          geometry_,     media_,
                *status_, services.prompts, services.popup, services.clock, services.tones}
-    , menus_(MainMenus::build(*this)) {
+    , menus_(MainMenus::build(*this))
+    , sound_(std::make_unique<sound::SoundOutput>(services.tones)) {
     setObjectName(QStringLiteral("frmMain"));
     setStatusBar(status_);
     client_ = new QWidget(this);
@@ -59,7 +61,7 @@ void MainWindow::buildPanes() {
     commandStrip_ = new CommandStrip(client_);
     liveView_ = new capture::LiveView(context_, client_);
     playerPanes_ = new playback::PlayerPanes(context_, client_);
-    breakSpeedPane_ = new breakspeed::BreakSpeedPane(context_, client_);
+    breakSpeedPane_ = new breakspeed::BreakSpeedPane(context_, *sound_, client_);
     captureFrame_ = new capture::CaptureToolFrame(context_, client_);
     trainingFrame_ = new training::TrainingToolFrame(context_, client_);
     runEdit_ = new playback::RunEditToolFrame(context_, client_);

@@ -33,6 +33,9 @@ class LiveView;
 namespace breakspeed {
 class BreakSpeedPane;
 }
+namespace sound {
+class SoundOutput;
+}
 namespace training {
 class TrainingToolFrame;
 }
@@ -144,6 +147,7 @@ private:
     ui::StatusPanels* status_ = nullptr;
     ui::WindowContext context_;
     MainMenus menus_;
+    std::unique_ptr<sound::SoundOutput> sound_;
     QWidget* client_ = nullptr;
     CommandStrip* commandStrip_ = nullptr;
     capture::LiveView* liveView_ = nullptr;
