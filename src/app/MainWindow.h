@@ -21,6 +21,7 @@ namespace media {
 class MediaEngine;
 }
 namespace ui {
+class CancelKey;
 class Clock;
 class Prompts;
 class StatusPanels;
@@ -28,6 +29,7 @@ class StatusPopup;
 } // namespace ui
 namespace capture {
 class CaptureToolFrame;
+class FileSetCapture;
 class LiveView;
 } // namespace capture
 namespace breakspeed {
@@ -145,6 +147,7 @@ private:
     ModeMachine mode_;
     media::MediaInstances media_;
     ui::StatusPanels* status_ = nullptr;
+    ui::CancelKey* cancelKey_ = nullptr;
     ui::WindowContext context_;
     MainMenus menus_;
     std::unique_ptr<sound::SoundOutput> sound_;
@@ -152,6 +155,7 @@ private:
     CommandStrip* commandStrip_ = nullptr;
     capture::LiveView* liveView_ = nullptr;
     capture::CaptureToolFrame* captureFrame_ = nullptr;
+    capture::FileSetCapture* fileSetCapture_ = nullptr;
     breakspeed::BreakSpeedPane* breakSpeedPane_ = nullptr;
     training::TrainingToolFrame* trainingFrame_ = nullptr;
     playback::PlayerPanes* playerPanes_ = nullptr;
