@@ -67,8 +67,9 @@ void MainWindow::buildPanes() {
     playerPanes_ = new playback::PlayerPanes(context_, client_);
     breakSpeedPane_ = new breakspeed::BreakSpeedPane(context_, *sound_, client_);
     captureFrame_ = new capture::CaptureToolFrame(context_, client_);
-    // Until tones can be played, the start of a recording is silent.
-    fileSetCapture_ = new capture::FileSetCapture(context_, *captureFrame_, *liveView_, {});
+    fileSetCapture_ = new capture::FileSetCapture(
+        context_, *captureFrame_, *liveView_,
+        [this](int frequency, int milliseconds) { sound_->PlayBeep(frequency, milliseconds); });
     trainingFrame_ = new training::TrainingToolFrame(context_, client_);
     runEdit_ = new playback::RunEditToolFrame(context_, client_);
 }
