@@ -7,6 +7,7 @@
 #include "capture/LiveView.h"
 #include "core/Rounding.h"
 #include "core/Version.h"
+#include "markups/MarkerStore.h"
 #include "platform/media/MediaEngine.h"
 #include "platform/media/VideoView.h"
 #include "platform/ui/CancelKey.h"
@@ -69,6 +70,7 @@ void MainWindow::buildPanes() {
     fileSetCapture_ = new capture::FileSetCapture(context_, *captureFrame_, *liveView_, {});
     trainingFrame_ = new training::TrainingToolFrame(context_, client_);
     runEdit_ = new playback::RunEditToolFrame(context_, client_);
+    buildPlayback();
 }
 
 void MainWindow::wireCommands() {

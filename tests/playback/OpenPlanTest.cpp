@@ -76,14 +76,5 @@ TEST(OpenPlan, ImageSetsAreBoundByTheStampOfTheirStills) {
     EXPECT_EQ(photo.title, "photo-150000.jpg");
 }
 
-TEST(OpenPlan, DialogFiltersOfferEveryVideoTypeInBothCases) {
-    const std::string avi = videoFilter("AVI");
-    EXPECT_EQ(avi.substr(0, avi.find("|Videos")), "AVI Files(*.avi)|*.avi;*.AVI");
-    EXPECT_NE(avi.find("*.mp4;*.MP4;*.mov;*.MOV;*.mkv;*.MKV|"), std::string::npos);
-    EXPECT_TRUE(avi.ends_with("|All Files(*.*)|*.*"));
-    EXPECT_EQ(videoFilter("WMV").substr(0, 29), "WMV Files(*.wmv)|*.wmv;*.WMV|");
-    EXPECT_EQ(imageFilter(), "JPG Files(*.jpg)|*.jpg;*.JPG|All Files(*.*)|*.*");
-}
-
 } // namespace
 } // namespace ravelcue::playback

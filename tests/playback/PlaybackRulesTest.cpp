@@ -91,14 +91,5 @@ TEST(PlaybackRules, RegionIsDrawnWithShiftAndPutInForceOnlyWhenShiftIsHeldAtTheR
     EXPECT_FALSE(region.endedAt(80));
 }
 
-TEST(PlaybackRules, RegionCannotStartAtTheFirstStep) {
-    Region region;
-    regionPress(region, 1, kShiftAlone, 0);
-    regionMove(region, kShiftAlone, 40);
-    regionRelease(region, kShiftAlone);
-    EXPECT_EQ(region.SelLength, 0);
-    EXPECT_FALSE(region.RegionActive);
-}
-
 } // namespace
 } // namespace ravelcue::playback
