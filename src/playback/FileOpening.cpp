@@ -86,6 +86,8 @@ void FileOpening::takeSetMembers(const OpenPlan& plan) {
     for (size_t i = 0; i < plan.present.size(); ++i) {
         context_.state.PlayerEnable[i] = plan.present[i];
         menus_.mnuPlayer[i]->setEnabled(plan.present[i]);
+        // Setup may have renamed the cameras since start-up.
+        menus_.mnuPlayer[i]->setText(qtext(context_.settings.CamNickname[i]));
     }
 }
 

@@ -61,6 +61,7 @@ TEST(Opening, PickedMemberOpensItsSetIntoTheQuadView) {
     }
     EXPECT_FALSE(w.enabled("mnuPlayer_1"));
     EXPECT_FALSE(w.enabled("mnuPlayer_3"));
+    EXPECT_EQ(w.fixture.find<QAction>("mnuPlayer_2")->text(), "Cam3");
     for (int i = 0; i < 4; ++i) {
         EXPECT_TRUE(w.shown(QStringLiteral("picPlayer_%1").arg(i)));
     }
