@@ -153,6 +153,11 @@ void RunEditToolFrame::fillSpeedList() {
     lstSpeed_->clear();
     lstSpeed_->addItems({QStringLiteral("X4"), QStringLiteral("X2"), QStringLiteral("X1"),
                          QStringLiteral("X/2"), QStringLiteral("X/4")});
+    // Each entry fills the one-line box, so that no part of the next one peeks in.
+    const int rowHeight = lstSpeed_->height() - 2 * lstSpeed_->frameWidth();
+    for (int i = 0; i < lstSpeed_->count(); ++i) {
+        lstSpeed_->item(i)->setSizeHint(QSize(0, rowHeight));
+    }
 }
 
 void RunEditToolFrame::resetSpeedList() {

@@ -80,6 +80,16 @@ void Timeline::setSteps(int max) {
     quiet_ = true;
     setRange(0, std::max(max, 0));
     quiet_ = false;
+    // A tick each second, or each 5, 10 or 30 seconds or minutes, whichever leaves at most 60.
+    static constexpr int kTickSteps[] = {10, 50, 100, 300, 600, 3000, 6000, 18000};
+    int interval = kTickSteps[0];
+    for (int steps : kTickSteps) {
+        interval = steps;
+        if (maximum() / steps <= 60) {
+            break;
+        }
+    }
+    setTickInterval(interval);
 }
 
 void Timeline::setText(const QString& text) {
