@@ -7,6 +7,7 @@
 #include "capture/LiveView.h"
 #include "core/Rounding.h"
 #include "core/Version.h"
+#include "markups/MarkerStore.h"
 #include "platform/media/MediaEngine.h"
 #include "platform/media/VideoView.h"
 #include "platform/sound/SoundOutput.h"
@@ -72,6 +73,7 @@ void MainWindow::buildPanes() {
         [this](int frequency, int milliseconds) { sound_->PlayBeep(frequency, milliseconds); });
     trainingFrame_ = new training::TrainingToolFrame(context_, client_);
     runEdit_ = new playback::RunEditToolFrame(context_, client_);
+    buildPlayback();
 }
 
 void MainWindow::wireCommands() {

@@ -42,9 +42,13 @@ namespace training {
 class TrainingToolFrame;
 }
 namespace playback {
+class PlaybackController;
 class PlayerPanes;
 class RunEditToolFrame;
 } // namespace playback
+namespace markups {
+class MarkerStore;
+}
 } // namespace ravelcue
 
 namespace ravelcue::app {
@@ -124,6 +128,8 @@ private:
     void formResize() override;
 
     void buildPanes();
+    // Opening, transport, timeline and stills: MainWindowPlayback.cpp.
+    void buildPlayback();
     void wireCommands();
     void applyGeometry();
     WindowMetrics metrics() const;
@@ -160,6 +166,8 @@ private:
     training::TrainingToolFrame* trainingFrame_ = nullptr;
     playback::PlayerPanes* playerPanes_ = nullptr;
     playback::RunEditToolFrame* runEdit_ = nullptr;
+    std::unique_ptr<markups::MarkerStore> markers_;
+    playback::PlaybackController* playback_ = nullptr;
     QHash<QString, QObject*> controls_;
     bool stopped_ = false;
 };

@@ -62,7 +62,8 @@ FileSetCapture::FileSetCapture(ui::WindowContext& context, CaptureToolFrame& fra
 }
 
 bool FileSetCapture::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == frame_.txtFileName() && event->type() == QEvent::MouseButtonPress) {
+    // The type first: while the window is torn down the tool frame may already be gone.
+    if (event->type() == QEvent::MouseButtonPress && watched == frame_.txtFileName()) {
         txtFileName_Click();
     }
     return QObject::eventFilter(watched, event);

@@ -104,7 +104,11 @@ std::string fileSetTitle(std::string_view path) {
 }
 
 std::string imageSetStamp(std::string_view path) {
-    const size_t dash = path.find('-');
+    // Only a "-" after the bracket counts: a folder such as /home/anne-marie must not take the
+    // stamp's place.
+    const size_t bracket = path.find('(');
+    const size_t dash =
+        bracket == std::string_view::npos ? path.find('-') : path.find('-', bracket);
     const size_t start = dash == std::string_view::npos ? 0 : dash + 1;
     return std::string(path.substr(std::min(start, path.size()), 6));
 }

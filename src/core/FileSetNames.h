@@ -36,7 +36,8 @@ std::string fileSetMemberOf(std::string_view path, std::string_view nickname);
 std::string fileSetTitle(std::string_view path);
 
 // An image Set is found by base, nickname and time stamp: the six characters after the first "-"
-// of the path.
+// that follows the first "(" (the first "-" of the path when there is no "("), or the first six
+// characters when there is no such "-".
 std::string imageSetStamp(std::string_view path);
 std::string imageSetMemberOf(std::string_view path, std::string_view nickname);
 // The characters between the last "/" and the last "(", "(****)-", the stamp and ".jpg".

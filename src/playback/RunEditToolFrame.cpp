@@ -14,7 +14,6 @@
 #include <QMenu>
 #include <QScrollBar>
 #include <QSignalBlocker>
-#include <QSlider>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -43,6 +42,7 @@ QAction* addButton(QToolBar* bar, const QString& barName, const ButtonSpec& spec
     QAction* action = bar->addAction(ui::toolbarIcon(key), key);
     action->setObjectName(barName + QLatin1Char('_') + key);
     action->setToolTip(QString::fromLatin1(spec.toolTip));
+    action->setProperty("image", key);
     if (QWidget* button = bar->widgetForAction(action)) {
         button->setObjectName(barName + QLatin1Char('_') + key);
     }
@@ -72,7 +72,7 @@ RunEditToolFrame::RunEditToolFrame(ui::WindowContext& context, QWidget* client)
     chkLoop_ = ui::makeCheckBox(frame_, QStringLiteral("chkLoop"), QStringLiteral("Loop"),
                                 QStringLiteral("Loop video playback"), QRect(700, 28, 80, 24));
 
-    slider1_ = new QSlider(Qt::Horizontal, client);
+    slider1_ = new Timeline(client);
     slider1_->setObjectName(QStringLiteral("Slider1"));
     slider1_->setToolTip(QStringLiteral(
         "Hold down Shift key and drag to select region. Right click to clear region."));
@@ -153,6 +153,11 @@ void RunEditToolFrame::fillSpeedList() {
     lstSpeed_->clear();
     lstSpeed_->addItems({QStringLiteral("X4"), QStringLiteral("X2"), QStringLiteral("X1"),
                          QStringLiteral("X/2"), QStringLiteral("X/4")});
+    // Each entry fills the one-line box, so that no part of the next one peeks in.
+    const int rowHeight = lstSpeed_->height() - 2 * lstSpeed_->frameWidth();
+    for (int i = 0; i < lstSpeed_->count(); ++i) {
+        lstSpeed_->item(i)->setSizeHint(QSize(0, rowHeight));
+    }
 }
 
 void RunEditToolFrame::resetSpeedList() {
@@ -169,6 +174,10 @@ void RunEditToolFrame::resetSpeedList() {
 
 int RunEditToolFrame::topSpeedIndex() const {
     return lstSpeed_->verticalScrollBar()->value();
+}
+
+void RunEditToolFrame::scrollSpeedTo(int index) {
+    lstSpeed_->verticalScrollBar()->setValue(index);
 }
 
 void RunEditToolFrame::applyGeometry() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Timeline.h"
+
 #include <map>
 
 #include <QObject>
@@ -10,7 +12,6 @@ class QCheckBox;
 class QFrame;
 class QLabel;
 class QListWidget;
-class QSlider;
 class QTimer;
 class QToolBar;
 class QWidget;
@@ -37,7 +38,7 @@ public:
     QAction* button2(const QString& key) const { return buttons2_.at(key); }
     QListWidget* lstSpeed() const { return lstSpeed_; }
     QCheckBox* chkLoop() const { return chkLoop_; }
-    QSlider* slider1() const { return slider1_; }
+    Timeline* slider1() const { return slider1_; }
     QTimer* tmrSlider() const { return tmrSlider_; }
 
     // Fills the speed list: "X4", "X2", "X1", "X/2", "X/4".
@@ -46,6 +47,8 @@ public:
     void resetSpeedList();
     // The index of the entry at the top of the one-line list.
     int topSpeedIndex() const;
+    // Scrolls the list so that this entry is at the top, as the user would; its handler runs.
+    void scrollSpeedTo(int index);
 
     void applyGeometry();
 
@@ -62,7 +65,7 @@ private:
     QListWidget* lstSpeed_ = nullptr;
     QLabel* lblSpeed2_ = nullptr;
     QCheckBox* chkLoop_ = nullptr;
-    QSlider* slider1_ = nullptr;
+    Timeline* slider1_ = nullptr;
     QTimer* tmrSlider_ = nullptr;
 };
 

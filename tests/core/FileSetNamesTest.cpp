@@ -47,8 +47,10 @@ TEST(FileSetNames, ImageSetsAreFoundByTheirStamp) {
     EXPECT_EQ(imageSetStamp(still), "140509");
     EXPECT_EQ(imageSetMemberOf(still, "Cam4"), "/d/Ravelcue/Images/match1(Cam4)-140509.jpg");
     EXPECT_EQ(imageSetTitle(still), "match1(****)-140509.jpg");
-    // A "-" earlier in the path takes the stamp's place.
-    EXPECT_EQ(imageSetStamp("/my-pics/a(Cam1)-120000.jpg"), "pics/a");
+    // A "-" in a folder does not take the stamp's place.
+    EXPECT_EQ(imageSetStamp("/home/anne-marie/a(Cam1)-120000.jpg"), "120000");
+    EXPECT_EQ(imageSetMemberOf("/my-pics/a(Cam1)-120000.jpg", "Cam2"),
+              "/my-pics/a(Cam2)-120000.jpg");
     // No "-" at all: the first six characters.
     EXPECT_EQ(imageSetStamp("/ab/c(Cam1).jpg"), "/ab/c(");
 }

@@ -7,6 +7,9 @@
 #include "platform/media/RecompressInstance.h"
 #include "platform/media/VideoView.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <QPointer>
 
 namespace ravelcue::test {
@@ -143,11 +146,14 @@ private:
     QString file_;
 };
 
+using Files = std::shared_ptr<RecordingEngine::PlayerBehaviour>;
+
 class RecordingPlayer final : public media::PlayerInstance, Recorder {
 public:
-    RecordingPlayer(Log log, int index)
+    RecordingPlayer(Log log, int index, Files files)
         : Recorder(std::move(log), QStringLiteral("player%1").arg(index))
-        , view_(new media::VideoView) {}
+        , view_(new media::VideoView)
+        , files_(std::move(files)) {}
     ~RecordingPlayer() override { delete view_.data(); }
 
     void SetConnected(bool c) override {
@@ -165,41 +171,96 @@ public:
     }
     media::MediaError PlayerOpen(const QString& path) override {
         note(QStringLiteral("PlayerOpen(%1)").arg(path));
+        open_ = false;
+        const RecordingEngine::MediaFile file = files_->files.value(path, files_->defaultFile);
+        if (file.openError != 0) {
+            return {file.openError, QStringLiteral("cannot open ") + path};
+        }
+        file_ = file;
+        open_ = true;
+        playing_ = false;
+        posMs_ = 0;
+        frame_ = 0;
         return {};
     }
-    void PlayerClose() override { note(QStringLiteral("PlayerClose()")); }
-    bool IsOpen() const override { return false; }
-    void PlayerPlay() override { note(QStringLiteral("PlayerPlay()")); }
-    void PlayerStop() override { note(QStringLiteral("PlayerStop()")); }
-    bool IsPlaying() const override { return false; }
+    void PlayerClose() override {
+        open_ = false;
+        playing_ = false;
+        note(QStringLiteral("PlayerClose()"));
+    }
+    bool IsOpen() const override { return open_; }
+    void PlayerPlay() override {
+        playing_ = open_;
+        note(QStringLiteral("PlayerPlay()"));
+    }
+    void PlayerStop() override {
+        playing_ = false;
+        note(QStringLiteral("PlayerStop()"));
+    }
+    bool IsPlaying() const override { return playing_; }
     void PlayerSetRate(double r) override { note(QStringLiteral("PlayerSetRate(%1)").arg(arg(r))); }
-    double PlayerGetPos() const override { return 0; }
-    void PlayerSetPos(double ms) override { note(QStringLiteral("PlayerSetPos(%1)").arg(arg(ms))); }
-    double PlayerGetFrame() const override { return 0; }
+    double PlayerGetPos() const override { return open_ ? posMs_ : 0; }
+    void PlayerSetPos(double ms) override {
+        note(QStringLiteral("PlayerSetPos(%1)").arg(arg(ms)));
+        if (open_) {
+            posMs_ = std::clamp(ms, 0.0, file_.durationMs);
+            frame_ = std::round(posMs_ / msPerFrame());
+        }
+    }
+    double PlayerGetFrame() const override { return open_ ? frame_ : 0; }
     void PlayerSetFrame(double f) override {
         note(QStringLiteral("PlayerSetFrame(%1)").arg(arg(f)));
+        if (open_) {
+            frame_ = std::clamp(f, 0.0, std::max(0.0, file_.frameCount - 1.0));
+            posMs_ = frame_ * msPerFrame();
+        }
     }
-    QSize PlayerGetSize() const override { return {}; }
-    double PlayerGetDuration() const override { return 0; }
-    int PlayerGetFrameCount() const override { return 0; }
-    int PictureWidth() const override { return 0; }
-    int PictureHeight() const override { return 0; }
+    QSize PlayerGetSize() const override { return open_ ? file_.size : QSize(); }
+    double PlayerGetDuration() const override { return open_ ? file_.durationMs : 0; }
+    int PlayerGetFrameCount() const override { return open_ ? file_.frameCount : 0; }
+    int PictureWidth() const override { return PlayerGetSize().width(); }
+    int PictureHeight() const override { return PlayerGetSize().height(); }
     void SetZoomRegion(int, int, int, int) override {}
-    bool PlayerSaveFrame(const QString&, int) override { return false; }
-    void SetBitmapOverlay(const QImage&) override {}
-    void SetTextOverlay(int, const QString&, int, int, const QString&, int, QColor) override {}
+    bool PlayerSaveFrame(const QString& path, int quality) override {
+        note(QStringLiteral("PlayerSaveFrame(%1,%2)").arg(path).arg(quality));
+        return open_;
+    }
+    void SetBitmapOverlay(const QImage& overlay) override {
+        note(QStringLiteral("SetBitmapOverlay(%1x%2)").arg(overlay.width()).arg(overlay.height()));
+    }
+    void SetTextOverlay(int slot, const QString& text, int, int, const QString&, int,
+                        QColor) override {
+        note(QStringLiteral("SetTextOverlay(%1,%2)").arg(slot).arg(text));
+    }
     media::VideoView* view() const override { return view_; }
 
 private:
+    double msPerFrame() const {
+        return file_.frameCount > 0 ? file_.durationMs / file_.frameCount : 1.0;
+    }
+
     QPointer<media::VideoView> view_;
+    Files files_;
+    RecordingEngine::MediaFile file_;
     bool connected_ = false;
+    bool open_ = false;
+    bool playing_ = false;
+    double posMs_ = 0;
+    double frame_ = 0;
 };
 
-class RecordingRecompress final : public media::RecompressInstance {
+class RecordingRecompress final : public media::RecompressInstance, Recorder {
 public:
-    using RecompressInstance::RecompressInstance;
-    void SetBitmapOverlay(const QImage&) override {}
-    void SetTextOverlay(int, const QString&, int, int, const QString&, int, QColor) override {}
+    RecordingRecompress(Log log, int index)
+        : RecompressInstance(index)
+        , Recorder(std::move(log), QStringLiteral("recompress%1").arg(index)) {}
+    void SetBitmapOverlay(const QImage& overlay) override {
+        note(QStringLiteral("SetBitmapOverlay(%1x%2)").arg(overlay.width()).arg(overlay.height()));
+    }
+    void SetTextOverlay(int slot, const QString& text, int, int, const QString&, int,
+                        QColor) override {
+        note(QStringLiteral("SetTextOverlay(%1,%2)").arg(slot).arg(text));
+    }
     bool Recompress(const QString&, const QString&, const QString&, double, double) override {
         return false;
     }
@@ -261,11 +322,11 @@ std::unique_ptr<media::CaptureInstance> RecordingEngine::createCapture(int index
 }
 
 std::unique_ptr<media::PlayerInstance> RecordingEngine::createPlayer(int index) {
-    return std::make_unique<RecordingPlayer>(log_, index);
+    return std::make_unique<RecordingPlayer>(log_, index, players_);
 }
 
 std::unique_ptr<media::RecompressInstance> RecordingEngine::createRecompress(int index) {
-    return std::make_unique<RecordingRecompress>(index);
+    return std::make_unique<RecordingRecompress>(log_, index);
 }
 
 std::unique_ptr<media::AudioInstance> RecordingEngine::createAudio() {

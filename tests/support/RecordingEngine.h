@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include <QMap>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -35,6 +37,20 @@ public:
     };
     std::shared_ptr<CaptureBehaviour> captureBehaviour() { return behaviour_; }
 
+    // What the players find in a file. A file with an openError number fails to open with it.
+    struct MediaFile {
+        QSize size{640, 480};
+        double durationMs = 12340;
+        int frameCount = 370;
+        int openError = 0;
+    };
+    // Files by path; any other path opens as defaultFile. Players move only when told to.
+    struct PlayerBehaviour {
+        MediaFile defaultFile;
+        QMap<QString, MediaFile> files;
+    };
+    std::shared_ptr<PlayerBehaviour> playerBehaviour() { return players_; }
+
     QStringList& log() { return *log_; }
     // The calls whose text starts with the prefix ("cam0.").
     QStringList calls(const QString& prefix) const;
@@ -43,6 +59,7 @@ public:
 private:
     std::shared_ptr<QStringList> log_;
     std::shared_ptr<CaptureBehaviour> behaviour_ = std::make_shared<CaptureBehaviour>();
+    std::shared_ptr<PlayerBehaviour> players_ = std::make_shared<PlayerBehaviour>();
     std::unique_ptr<media::DeviceCatalog> devices_;
 };
 
