@@ -2,6 +2,12 @@
 
 #include "support/Ffprobe.h"
 
+#include <gtest/gtest.h>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
 namespace ravelcue::test {
 
 TestEngine::TestEngine(std::uint64_t seed) {
@@ -52,3 +58,16 @@ std::vector<media::DemoStamp> stampsOf(const QString& path, QSize size) {
 }
 
 } // namespace ravelcue::test
+
+namespace {
+
+// Encoders report every file they write; the tests look at the files themselves.
+class QuietFfmpeg : public ::testing::Environment {
+public:
+    void SetUp() override { av_log_set_level(AV_LOG_ERROR); }
+};
+
+const ::testing::Environment* const quietFfmpeg =
+    ::testing::AddGlobalTestEnvironment(new QuietFfmpeg);
+
+} // namespace

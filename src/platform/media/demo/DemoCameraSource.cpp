@@ -1,5 +1,7 @@
 #include "DemoCameraSource.h"
 
+#include <algorithm>
+#include <cmath>
 #include <condition_variable>
 #include <mutex>
 
@@ -24,8 +26,10 @@ VideoSource::Read DemoCameraSource::read(SourceFrame& frame, std::stop_token sto
     const auto now = CaptureClock::now();
     const double elapsed = std::chrono::duration<double>(now - clock_.origin()).count();
     const auto due = static_cast<std::int64_t>(std::ceil(elapsed * frameRate_));
-    // The first frame, or one long missed: go on from the next instant still to come.
-    if (next_ < 0 || next_ < due - 1) {
+    // Like a camera's driver, hold half a second: a source kept off the processor for less than
+    // that catches up with every frame; one kept off longer skips what it missed.
+    const auto backlog = std::max<std::int64_t>(2, std::llround(frameRate_ / 2));
+    if (next_ < 0 || next_ < due - backlog) {
         next_ = due;
     }
     std::mutex mutex;

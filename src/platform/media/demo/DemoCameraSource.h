@@ -16,7 +16,8 @@ struct DemoCameraPlug {
 
 // A demo camera: frames at the capture clock's own grid (frame k at k / rate seconds from the
 // origin), so that demo cameras of one rate take their pictures at the same instants. The frame
-// counter is k. A source that falls behind skips the frames it missed rather than bunching up.
+// counter is k. A source held up for a moment delivers the frames it owes, stamped with their
+// own instants; one held up for long skips them.
 class DemoCameraSource final : public VideoSource {
 public:
     DemoCameraSource(int demoNumber, QSize size, double frameRate, const CaptureClock& clock,

@@ -3,6 +3,7 @@
 #include "DemoStamp.h"
 
 #include <cmath>
+#include <cstring>
 #include <numbers>
 
 #include <QFont>
@@ -120,7 +121,7 @@ void DemoScene::drawBackground() {
 }
 
 QImage DemoScene::render(std::uint32_t frameCounter, std::int64_t clockMs) {
-    QImage frame = background_.copy();
+    QImage frame = freshFrame();
     switch (demoNumber_) {
     case 1:
         drawArm(frame, clockMs);
@@ -137,6 +138,22 @@ QImage DemoScene::render(std::uint32_t frameCounter, std::int64_t clockMs) {
     }
     drawCaption(frame, frameCounter, clockMs);
     drawDemoStampBand(frame, frameCounter, static_cast<std::uint32_t>(clockMs));
+    return frame;
+}
+
+QImage DemoScene::freshFrame() {
+    // Reuse a picture nobody holds any more: large pictures made anew for every frame cost more
+    // in page faults than in drawing.
+    for (QImage& pooled : pool_) {
+        if (pooled.isDetached()) {
+            std::memcpy(pooled.bits(), background_.constBits(), size_t(background_.sizeInBytes()));
+            return pooled;
+        }
+    }
+    QImage frame = background_.copy();
+    if (pool_.size() < kPoolSize) {
+        pool_.push_back(frame);
+    }
     return frame;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include <QImage>
 #include <QPoint>
@@ -38,6 +39,9 @@ public:
     QImage render(std::uint32_t frameCounter, std::int64_t clockMs);
 
 private:
+    static constexpr size_t kPoolSize = 8;
+
+    QImage freshFrame();
     void drawBackground();
     void drawArm(QImage& frame, std::int64_t clockMs) const;
     void drawTable(QImage& frame, std::int64_t clockMs) const;
@@ -51,6 +55,7 @@ private:
     double scaleY_;
     QImage background_;
     QImage pattern_; // camera 4: a tile twice the picture's size, shown at a moving offset
+    std::vector<QImage> pool_;
 };
 
 } // namespace ravelcue::media

@@ -17,8 +17,9 @@ namespace ravelcue::media::ffmpeg {
 
 namespace {
 
-// Keep about this much picture data queued at most: a second at 640x480, less for larger ones.
-constexpr std::int64_t kQueueBytes = 40LL * 1024 * 1024;
+// Keep about this much picture data queued at most: a second at 640x480, a third of one at
+// 1920x1080, enough to ride out the encoder being kept off the processor for a moment.
+constexpr std::int64_t kQueueBytes = 96LL * 1024 * 1024;
 
 MediaError diskFull() {
     return {media_error::DiskFull, QStringLiteral("The disk is full")};

@@ -1,5 +1,8 @@
 #include "ImageFrames.h"
 
+#include <cstring>
+#include <libyuv.h>
+
 namespace ravelcue::media::ffmpeg {
 
 FramePtr frameViewOf(const QImage& image) {
@@ -59,6 +62,41 @@ SwsContext* converterFor(SwsPtr& cache, int sourceWidth, int sourceHeight, AVPix
     sws_setColorspaceDetails(context, coefficients, sourceFull ? 1 : 0, coefficients,
                              destinationFull ? 1 : 0, 0, 1 << 16, 1 << 16);
     return context;
+}
+
+bool convertPictureQuickly(const AVFrame& source, AVFrame& destination) {
+    // libyuv's "ARGB" is the byte order B, G, R, A: FFmpeg's BGRA and BGR0.
+    const bool rgb32 = source.format == AV_PIX_FMT_BGRA || source.format == AV_PIX_FMT_BGR0;
+    if (!rgb32 || source.width != destination.width || source.height != destination.height) {
+        return false;
+    }
+    const uint8_t* in = source.data[0];
+    const int stride = source.linesize[0];
+    uint8_t* const* out = destination.data;
+    const int* strides = destination.linesize;
+    const int width = source.width;
+    const int height = source.height;
+    switch (destination.format) {
+    case AV_PIX_FMT_YUV420P:
+        // BT.601 either way, as swscale does by default.
+        return (destination.color_range == AVCOL_RANGE_JPEG
+                    ? libyuv::ARGBToJ420(in, stride, out[0], strides[0], out[1], strides[1], out[2],
+                                         strides[2], width, height)
+                    : libyuv::ARGBToI420(in, stride, out[0], strides[0], out[1], strides[1], out[2],
+                                         strides[2], width, height)) == 0;
+    case AV_PIX_FMT_BGR24: // libyuv's "RGB24" is B, G, R
+        return libyuv::ARGBToRGB24(in, stride, out[0], strides[0], width, height) == 0;
+    case AV_PIX_FMT_RGB24: // and its "RAW" is R, G, B
+        return libyuv::ARGBToRAW(in, stride, out[0], strides[0], width, height) == 0;
+    case AV_PIX_FMT_BGR0:
+        for (int y = 0; y < height; ++y) {
+            std::memcpy(out[0] + std::ptrdiff_t(y) * strides[0], in + std::ptrdiff_t(y) * stride,
+                        size_t(width) * 4);
+        }
+        return true;
+    default:
+        return false;
+    }
 }
 
 QImage imageOf(const AVFrame& frame, SwsPtr& cache) {

@@ -264,16 +264,19 @@ private:
     }
 
     MediaError convert(const AVFrame& frame) {
+        int code = av_frame_make_writable(converted_.get());
+        if (code < 0) {
+            return failure(media_error::WriteFailed, QStringLiteral("Out of memory"), code);
+        }
+        if (convertPictureQuickly(frame, *converted_)) {
+            return MediaError::none();
+        }
         SwsContext* context =
             converterFor(sws_, frame.width, frame.height, static_cast<AVPixelFormat>(frame.format),
                          frame.color_range, codec_->width, codec_->height, codec_->pix_fmt,
                          codec_->color_range, SWS_BILINEAR);
         if (context == nullptr) {
             return failure(media_error::WriteFailed, QStringLiteral("Unsupported picture format"));
-        }
-        int code = av_frame_make_writable(converted_.get());
-        if (code < 0) {
-            return failure(media_error::WriteFailed, QStringLiteral("Out of memory"), code);
         }
         sws_scale(context, frame.data, frame.linesize, 0, frame.height, converted_->data,
                   converted_->linesize);
