@@ -7,7 +7,10 @@
 
 #include <csignal>
 #include <future>
+
+#ifdef __unix__
 #include <sys/resource.h>
+#endif
 
 #include <QSignalSpy>
 #include <QTest>
@@ -278,6 +281,8 @@ TEST(Capture, AVanishedCameraEndsItsOwnFileAndTheOthersGoOn) {
     EXPECT_TRUE(leaving->Connected());
 }
 
+// A file size limit stands in for a full disk where the system has one.
+#ifdef __unix__
 TEST(Capture, AFullDiskEndsTheFileCleanlyOnceAndTheOthersGoOn) {
     TempFolder folder;
     TestEngine engine;
@@ -333,3 +338,4 @@ TEST(Capture, AFullDiskEndsTheFileCleanlyOnceAndTheOthersGoOn) {
     EXPECT_GE(std::int64_t(stamps.front().clockMs), startMs);
     EXPECT_LE(std::int64_t(stamps.back().clockMs), endMs);
 }
+#endif

@@ -4,7 +4,10 @@
 #include "support/TempFolder.h"
 
 #include <csignal>
+
+#ifdef __unix__
 #include <sys/resource.h>
+#endif
 
 #include <QFile>
 #include <QSignalSpy>
@@ -210,6 +213,8 @@ TEST(Microphone, TheLevelFollowsWhatItHearsAndOnlyAKnownDeviceConnects) {
     EXPECT_EQ(audio->AudioLevel(), 0);
 }
 
+// A file size limit stands in for a full disk where the system has one.
+#ifdef __unix__
 TEST(Microphone, AFullDiskEndsTheRecordingOnceWithAReadableFile) {
     TempFolder folder;
     TestEngine engine;
@@ -239,3 +244,4 @@ TEST(Microphone, AFullDiskEndsTheRecordingOnceWithAReadableFile) {
     expectPlainWavHeader(path);
     EXPECT_GT(QFile(path).size(), 90'000);
 }
+#endif

@@ -88,7 +88,6 @@ private:
     std::int64_t lastIndex_ = -1;
     CaptureClock::Clock::time_point indexOrigin_;
     std::int64_t largestFrameBytes_ = 0;
-    std::int64_t bytesAtLastCheck_ = 0;
 
     std::jthread thread_;
 };
