@@ -5,8 +5,10 @@
 #include "support/Ffprobe.h"
 #include "support/TempFolder.h"
 
+#include <cmath>
 #include <csignal>
 #include <future>
+#include <set>
 
 #ifdef __unix__
 #include <sys/resource.h>
@@ -30,19 +32,26 @@ struct Recording {
     int compressor; // -1: uncompressed; -2: WMV by extension
 };
 
+// A stretch in which a recording ran, on the capture clock: it was released between fromMs and
+// releasedMs and held again by toMs.
 struct Interval {
     std::int64_t fromMs;
+    std::int64_t releasedMs;
     std::int64_t toMs;
 };
 
-// What a file must show of a recording that ran through the given intervals of the capture
-// clock: every frame stamped within one of them, none twice, each gap accounted for. Gives the
-// stamps read.
+constexpr double kPeriodMs = 1000.0 / 30;
+
+// What a file must show of a recording that ran through the given intervals: every frame
+// stamped within one of them, none twice, nothing in between, and every frame missing
+// accounted for in the dropped count, those between frames as well as those lost right after a
+// release. Gives the stamps read.
 std::vector<DemoStamp> expectFrameExact(const QString& path, const QString& codecName,
                                         const CaptureStats& stats,
                                         const std::vector<Interval>& running,
                                         QSize size = QSize(640, 480)) {
-    SCOPED_TRACE(path.toStdString());
+    SCOPED_TRACE(path.toStdString() + ": " + std::to_string(stats.framesWritten) + " written, " +
+                 std::to_string(stats.framesDropped) + " dropped");
     const test::VideoProbe probe = test::probeVideo(path);
     EXPECT_TRUE(probe.ok);
     EXPECT_EQ(probe.codecName, codecName);
@@ -53,38 +62,41 @@ std::vector<DemoStamp> expectFrameExact(const QString& path, const QString& code
 
     const std::vector<DemoStamp> stamps = test::stampsOf(path, size);
     EXPECT_EQ(stamps.size(), size_t(stats.framesWritten));
-    int lost = 0;
-    int pauses = 0;
     int unreadable = 0;
     int outside = 0;
     int backwards = 0;
+    int lostBetween = 0;
+    int leadingAtLeast = 0;
+    int leadingAtMost = 0;
+    std::set<size_t> intervalsWithFrames;
     for (size_t i = 0; i < stamps.size(); ++i) {
         unreadable += stamps[i].valid ? 0 : 1;
         const auto clock = std::int64_t(stamps[i].clockMs);
-        const bool inside = std::any_of(running.begin(), running.end(), [&](const Interval& r) {
+        const auto in = std::find_if(running.begin(), running.end(), [&](const Interval& r) {
             return clock >= r.fromMs && clock <= r.toMs;
         });
-        outside += inside ? 0 : 1;
-        if (i == 0) {
+        if (in == running.end()) {
+            ++outside;
             continue;
         }
-        const std::int64_t step = std::int64_t(stamps[i].frameCounter) - stamps[i - 1].frameCounter;
-        const bool acrossPause = std::any_of(running.begin() + 1, running.end(), [&](auto& r) {
-            return stamps[i - 1].clockMs < r.fromMs && clock >= r.fromMs;
-        });
-        if (step < 1) {
-            ++backwards;
-        } else if (acrossPause) {
-            ++pauses;
+        const auto interval = size_t(in - running.begin());
+        if (intervalsWithFrames.insert(interval).second) {
+            // The first frame of a stretch: the slots before it, from the release, stay empty.
+            leadingAtLeast += std::max(0, int(std::floor((clock - in->releasedMs) / kPeriodMs)));
+            leadingAtMost += std::max(0, int(std::floor((clock - in->fromMs + 1) / kPeriodMs)));
         } else {
-            lost += int(step - 1);
+            const std::int64_t step =
+                std::int64_t(stamps[i].frameCounter) - stamps[i - 1].frameCounter;
+            backwards += step < 1 ? 1 : 0;
+            lostBetween += std::max(0, int(step - 1));
         }
     }
     EXPECT_EQ(unreadable, 0);
     EXPECT_EQ(outside, 0) << "frames taken while the recording was held";
     EXPECT_EQ(backwards, 0) << "frames doubled or out of order";
-    EXPECT_EQ(pauses, int(running.size()) - 1);
-    EXPECT_EQ(lost, stats.framesDropped);
+    EXPECT_EQ(intervalsWithFrames.size(), running.size());
+    EXPECT_GE(stats.framesDropped - lostBetween, leadingAtLeast);
+    EXPECT_LE(stats.framesDropped - lostBetween, leadingAtMost);
     return stamps;
 }
 
@@ -128,11 +140,12 @@ TEST(Capture, EveryCompressorAndProfileRecordsFrameExactFilesThatPauseHolds) {
             for (auto& camera : cameras) {
                 camera->ResumeCapture();
             }
+            const std::int64_t released = engine.clockMsNow();
             QTest::qWait(span);
             for (auto& camera : cameras) {
                 camera->PauseCapture();
             }
-            running.push_back({from, engine.clockMsNow()});
+            running.push_back({from, released, engine.clockMsNow()});
             QTest::qWait(400);
         }
         std::vector<CaptureStats> stats;
@@ -159,9 +172,15 @@ TEST(Capture, EveryCompressorAndProfileRecordsFrameExactFilesThatPauseHolds) {
             ASSERT_FALSE(stamps.empty());
             firstClocks.push_back(stamps.front().clockMs);
         }
-        // Released in one loop, the members of the set start within a frame of each other.
+        // Released in one loop, the members of the set start within a frame of each other. (A
+        // member that lost its first frames, on a machine too busy to keep up, starts with
+        // empty slots instead; the accounting above checks those.)
+        const bool noneLost = std::all_of(
+            stats.begin(), stats.end(), [](const CaptureStats& s) { return s.framesDropped == 0; });
         const auto [earliest, latest] = std::minmax_element(firstClocks.begin(), firstClocks.end());
-        EXPECT_LE(*latest - *earliest, 34u);
+        if (noneLost) {
+            EXPECT_LE(*latest - *earliest, 34u);
+        }
     }
 }
 
@@ -249,9 +268,10 @@ TEST(Capture, AVanishedCameraEndsItsOwnFileAndTheOthersGoOn) {
     QSignalSpy leavingFailed(leaving.get(), &CaptureInstance::captureFailed);
     staying->SetCaptureFile(folder.file("staying.avi"));
     leaving->SetCaptureFile(folder.file("leaving.avi"));
+    const std::int64_t startMs = engine.clockMsNow();
     ASSERT_TRUE(staying->StartCapture());
     ASSERT_TRUE(leaving->StartCapture());
-    const std::int64_t startMs = engine.clockMsNow();
+    const std::int64_t startedMs = engine.clockMsNow();
 
     QTest::qWait(600);
     engine.engine->setDemoCameraPresent(3, false);
@@ -269,9 +289,9 @@ TEST(Capture, AVanishedCameraEndsItsOwnFileAndTheOthersGoOn) {
 
     const std::int64_t endMs = engine.clockMsNow();
     expectFrameExact(folder.file("leaving.avi"), "mjpeg", leaving->GetCaptureStats(),
-                     {{startMs, endMs}});
+                     {{startMs, startedMs, endMs}});
     expectFrameExact(folder.file("staying.avi"), "mjpeg", staying->GetCaptureStats(),
-                     {{startMs, endMs}});
+                     {{startMs, startedMs, endMs}});
     EXPECT_GT(staying->GetCaptureStats().framesWritten,
               leaving->GetCaptureStats().framesWritten + 5);
 

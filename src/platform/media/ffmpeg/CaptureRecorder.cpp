@@ -40,7 +40,7 @@ CaptureRecorder::CaptureRecorder(const VideoFileSettings& settings,
     , onFailure_(std::move(onFailure))
     , framePeriodSeconds_(av_q2d(av_inv_q(settings.frameRate)))
     , folder_(QFileInfo(settings.path).absolutePath().toStdU16String())
-    , runningSince_(CaptureClock::now()) {
+    , stretches_{{CaptureClock::now(), CaptureClock::Clock::time_point::max()}} {
     const std::int64_t frameBytes = std::int64_t(settings.width) * settings.height * 4;
     capacity_ = static_cast<size_t>(std::clamp<std::int64_t>(kQueueBytes / frameBytes, 3, 30));
 }
@@ -66,7 +66,19 @@ std::unique_ptr<CaptureRecorder> CaptureRecorder::start(const VideoFileSettings&
 void CaptureRecorder::offer(const QImage& frame, CaptureClock::Clock::time_point captured) {
     {
         std::lock_guard lock(mutex_);
-        if (!running_ || ended_ || captured < runningSince_) {
+        if (ended_) {
+            return;
+        }
+        // A camera may hand over a frame a little after it was taken: the frame belongs to the
+        // stretch it was taken in, whether or not the recording has been held since.
+        const auto taken =
+            std::find_if(stretches_.rbegin(), stretches_.rend(),
+                         [&](const Stretch& s) { return captured >= s.start && captured < s.end; });
+        if (taken == stretches_.rend()) {
+            return;
+        }
+        const auto stretch = size_t(std::distance(taken, stretches_.rend()) - 1);
+        if (stretch < lastStretchTaken_ && lastStretchTaken_ != kNone) {
             return;
         }
         if (queue_.size() >= capacity_) {
@@ -74,26 +86,35 @@ void CaptureRecorder::offer(const QImage& frame, CaptureClock::Clock::time_point
             // one is written.
             return;
         }
-        queue_.push_back({frame, captured, continueNext_});
-        continueNext_ = false;
+        queue_.push_back({frame, captured, stretch != lastStretchTaken_, taken->start});
+        lastStretchTaken_ = stretch;
     }
     wake_.notify_one();
 }
 
+bool CaptureRecorder::runningLocked() const {
+    return !stretches_.empty() && stretches_.back().end == CaptureClock::Clock::time_point::max();
+}
+
+void CaptureRecorder::closeStretchLocked() {
+    if (runningLocked()) {
+        const auto now = CaptureClock::now();
+        stretches_.back().end = now;
+        runTimeBefore_ += now - stretches_.back().start;
+    }
+}
+
 void CaptureRecorder::pause() {
     std::lock_guard lock(mutex_);
-    if (running_ && !ended_) {
-        runTimeBefore_ += CaptureClock::now() - runningSince_;
-        running_ = false;
+    if (!ended_) {
+        closeStretchLocked();
     }
 }
 
 void CaptureRecorder::resume() {
     std::lock_guard lock(mutex_);
-    if (!running_ && !ended_) {
-        running_ = true;
-        runningSince_ = CaptureClock::now();
-        continueNext_ = true;
+    if (!runningLocked() && !ended_) {
+        stretches_.push_back({CaptureClock::now(), CaptureClock::Clock::time_point::max()});
     }
 }
 
@@ -103,10 +124,7 @@ MediaError CaptureRecorder::stop() {
         if (finished_) {
             return result_;
         }
-        if (running_) {
-            runTimeBefore_ += CaptureClock::now() - runningSince_;
-            running_ = false;
-        }
+        closeStretchLocked();
         ended_ = true;
     }
     wake_.notify_all();
@@ -131,8 +149,8 @@ CaptureStats CaptureRecorder::stats() const {
     std::lock_guard lock(mutex_);
     CaptureStats stats = stats_;
     auto runTime = runTimeBefore_;
-    if (running_) {
-        runTime += CaptureClock::now() - runningSince_;
+    if (runningLocked()) {
+        runTime += CaptureClock::now() - stretches_.back().start;
     }
     stats.elapsedMs = static_cast<std::int32_t>(
         std::chrono::duration_cast<std::chrono::milliseconds>(runTime).count());
@@ -162,6 +180,10 @@ void CaptureRecorder::run(std::stop_token stop) {
 bool CaptureRecorder::encode(const Queued& item) {
     std::int64_t index = lastIndex_ + 1;
     if (item.continues) {
+        // Frames lost between the start (or resume) and this one leave their slots empty.
+        const double late =
+            std::chrono::duration<double>(item.captured - item.since).count() / framePeriodSeconds_;
+        index += std::max<std::int64_t>(0, static_cast<std::int64_t>(std::floor(late)));
         indexOrigin_ =
             item.captured - std::chrono::duration_cast<CaptureClock::Clock::duration>(
                                 std::chrono::duration<double>(double(index) * framePeriodSeconds_));
@@ -219,10 +241,7 @@ void CaptureRecorder::endWithFailure(const MediaError& error) {
     {
         std::lock_guard lock(mutex_);
         result_ = error;
-        if (running_) {
-            runTimeBefore_ += CaptureClock::now() - runningSince_;
-            running_ = false;
-        }
+        closeStretchLocked();
         ended_ = true;
     }
     (void)finished;

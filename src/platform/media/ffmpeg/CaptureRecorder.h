@@ -12,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 #include <QImage>
 #include <QString>
@@ -21,12 +22,14 @@ namespace ravelcue::media::ffmpeg {
 // One recording: frames offered by the camera's thread go through a bounded queue to an encoder
 // thread of its own, so a slow disk or encoder drops frames (and counts them) instead of holding
 // up the preview. A frame's place in the file follows its capture time: a frame that went
-// missing leaves a gap of its length, and a pause leaves none.
+// missing leaves a gap of its length (even the first ones after a start or a resume, so files
+// started together stay in step), and a pause leaves none.
 //
-// Frames are taken while the recording runs: from start() to pause(), and from each resume() to
-// the next pause() or stop(), judged by their capture time. Control calls come from one thread
-// (the UI thread), offer() from the camera's; both may meet. The failure callback runs on the
-// encoder thread, once, when the recording ended on its own (a write failed, the disk is full).
+// Frames are taken by their capture time: those taken from start() to pause(), and from each
+// resume() to the next pause() or stop(), even when the camera hands them over a little later.
+// Control calls come from one thread (the UI thread), offer() from the camera's; both may meet. The
+// failure callback runs on the encoder thread, once, when the recording ended on its own (a write
+// failed, the disk is full).
 class CaptureRecorder {
 public:
     using FailureCallback = std::function<void(const MediaError&)>;
@@ -54,7 +57,8 @@ private:
     struct Queued {
         QImage frame;
         CaptureClock::Clock::time_point captured;
-        bool continues = false; // the first frame after a start or a resume
+        bool continues = false;                // the first frame taken after a start or a resume
+        CaptureClock::Clock::time_point since; // for that frame: when the recording ran again
     };
 
     CaptureRecorder(const VideoFileSettings& settings, std::unique_ptr<VideoFileWriter> writer,
@@ -75,12 +79,20 @@ private:
     mutable std::mutex mutex_;
     std::condition_variable_any wake_;
     std::deque<Queued> queue_;
-    bool running_ = true; // taking frames
-    bool ended_ = false;  // no more frames will ever be taken
+    // The stretches of capture time the recording ran for; the last is open while it runs.
+    struct Stretch {
+        CaptureClock::Clock::time_point start;
+        CaptureClock::Clock::time_point end;
+    };
+    static constexpr size_t kNone = size_t(-1);
+    bool runningLocked() const;
+    void closeStretchLocked();
+
+    std::vector<Stretch> stretches_;
+    size_t lastStretchTaken_ = kNone; // the stretch of the last frame queued
+    bool ended_ = false;              // no more frames will ever be taken
     bool finished_ = false;
-    CaptureClock::Clock::time_point runningSince_;
     CaptureClock::Clock::duration runTimeBefore_{};
-    bool continueNext_ = true; // the next frame taken continues the file without a gap
     CaptureStats stats_;
     MediaError result_;
 
