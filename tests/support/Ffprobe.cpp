@@ -94,6 +94,25 @@ bool forEachFrame(const QString& path, QSize size,
            pending.isEmpty();
 }
 
+std::vector<double> framePtsSeconds(const QString& path) {
+    QProcess ffprobe;
+    ffprobe.start(QStringLiteral("ffprobe"),
+                  {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+                   QStringLiteral("v:0"), QStringLiteral("-show_entries"),
+                   QStringLiteral("frame=pts_time"), QStringLiteral("-of"),
+                   QStringLiteral("csv=p=0"), path});
+    std::vector<double> times;
+    if (!ffprobe.waitForFinished(-1) || ffprobe.exitCode() != 0) {
+        return times;
+    }
+    for (const QByteArray& line : ffprobe.readAllStandardOutput().split('\n')) {
+        if (!line.trimmed().isEmpty()) {
+            times.push_back(line.trimmed().toDouble());
+        }
+    }
+    return times;
+}
+
 int runProgram(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);

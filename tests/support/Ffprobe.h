@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include <QImage>
 #include <QString>
@@ -27,6 +28,9 @@ bool forEachFrame(const QString& path, const std::function<void(int index, const
 // The same for a file whose picture size is known, saving a probe.
 bool forEachFrame(const QString& path, QSize size,
                   const std::function<void(int index, const QImage&)>& visit);
+
+// The presentation time of every frame of the first video stream, in seconds, in file order.
+std::vector<double> framePtsSeconds(const QString& path);
 
 // Runs a program and returns its exit code (-1 when it could not start); output is discarded.
 int runProgram(const QString& program, const QStringList& arguments);

@@ -20,6 +20,7 @@ namespace {
 // Keep about this much picture data queued at most: a second at 640x480, a third of one at
 // 1920x1080, enough to ride out the encoder being kept off the processor for a moment.
 constexpr std::int64_t kQueueBytes = 96LL * 1024 * 1024;
+constexpr auto kShortestStretch = std::chrono::milliseconds(250);
 
 MediaError diskFull() {
     return {media_error::DiskFull, QStringLiteral("The disk is full")};
@@ -106,8 +107,18 @@ void CaptureRecorder::closeStretchLocked() {
 
 void CaptureRecorder::pause() {
     std::lock_guard lock(mutex_);
-    if (!ended_) {
-        closeStretchLocked();
+    if (ended_ || !runningLocked()) {
+        return;
+    }
+    closeStretchLocked();
+    // A start held at once, before any frame of it was taken, is a recording made ready rather
+    // than one begun: a frame taken in that moment but handed over later must not open the file
+    // seconds before the other members of its set.
+    const Stretch& last = stretches_.back();
+    const bool tookFrames = lastStretchTaken_ == stretches_.size() - 1;
+    if (!tookFrames && last.end - last.start < kShortestStretch) {
+        runTimeBefore_ -= last.end - last.start;
+        stretches_.pop_back();
     }
 }
 
