@@ -248,9 +248,17 @@ int main(int argc, char** argv) {
     const int seconds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 20;
     QTemporaryDir folder;
     ToneBus tones;
+    const auto listing = CaptureClock::now();
     ffmpeg::FfmpegEngine engine(tones);
+    engine.devices().refresh();
+    const double listingMs =
+        std::chrono::duration<double, std::milli>(CaptureClock::now() - listing).count() / 2;
     std::printf("Capture benchmark: %d s a run, load average %.2f at the start\n", seconds,
                 loadAverage());
+    std::printf("Listing the devices: %.1f ms (%d cameras, %d microphones, demo devices "
+                "included)\n",
+                listingMs, engine.devices().VideoDeviceCount(),
+                engine.devices().AudioDeviceCount());
 
     const QString only = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
     if (only.isEmpty() || only == QLatin1String("quad")) {
