@@ -1,0 +1,107 @@
+#pragma once
+
+#include "../CaptureClock.h"
+#include "../CaptureStats.h"
+#include "../MediaError.h"
+#include "VideoFileWriter.h"
+
+#include <condition_variable>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <QImage>
+#include <QString>
+
+namespace ravelcue::media::ffmpeg {
+
+// One recording: frames offered by the camera's thread go through a bounded queue to an encoder
+// thread of its own, so a slow disk or encoder drops frames (and counts them) instead of holding
+// up the preview. A frame's place in the file follows its capture time: a frame that went
+// missing leaves a gap of its length (even the first ones after a start or a resume, so files
+// started together stay in step), and a pause leaves none.
+//
+// Frames are taken by their capture time: those taken from start() to pause(), and from each
+// resume() to the next pause() or stop(), even when the camera hands them over a little later.
+// Control calls come from one thread (the UI thread), offer() from the camera's; both may meet. The
+// failure callback runs on the encoder thread, once, when the recording ended on its own (a write
+// failed, the disk is full).
+class CaptureRecorder {
+public:
+    using FailureCallback = std::function<void(const MediaError&)>;
+
+    ~CaptureRecorder();
+
+    // Opens the file and starts the encoder thread; running from now on. Null on failure.
+    static std::unique_ptr<CaptureRecorder> start(const VideoFileSettings& settings,
+                                                  FailureCallback onFailure, MediaError& error);
+
+    void offer(const QImage& frame, CaptureClock::Clock::time_point captured);
+    void pause();
+    void resume();
+    // Writes what is queued, finishes the file and waits for the encoder thread. Idempotent.
+    MediaError stop();
+    // True from start() until stop() or a failure.
+    bool isRecording() const;
+    CaptureStats stats() const;
+    QString path() const { return settings_.path; }
+
+    // Bytes of disk to keep free for the end of the file: its index and the frames in flight.
+    static std::int64_t reserveBytes(std::int64_t framesWritten, std::int64_t largestFrameBytes);
+
+private:
+    struct Queued {
+        QImage frame;
+        CaptureClock::Clock::time_point captured;
+        bool continues = false;                // the first frame taken after a start or a resume
+        CaptureClock::Clock::time_point since; // for that frame: when the recording ran again
+    };
+
+    CaptureRecorder(const VideoFileSettings& settings, std::unique_ptr<VideoFileWriter> writer,
+                    FailureCallback onFailure);
+    void run(std::stop_token stop);
+    // Encoder thread: writes one frame; false when the recording must end.
+    bool encode(const Queued& item);
+    std::int64_t roomLeft() const;
+    void endWithFailure(const MediaError& error);
+
+    VideoFileSettings settings_;
+    std::unique_ptr<VideoFileWriter> writer_;
+    FailureCallback onFailure_;
+    double framePeriodSeconds_;
+    std::filesystem::path folder_;
+    size_t capacity_;
+
+    mutable std::mutex mutex_;
+    std::condition_variable_any wake_;
+    std::deque<Queued> queue_;
+    // The stretches of capture time the recording ran for; the last is open while it runs.
+    struct Stretch {
+        CaptureClock::Clock::time_point start;
+        CaptureClock::Clock::time_point end;
+    };
+    static constexpr size_t kNone = size_t(-1);
+    bool runningLocked() const;
+    void closeStretchLocked();
+
+    std::vector<Stretch> stretches_;
+    size_t lastStretchTaken_ = kNone; // the stretch of the last frame queued
+    bool ended_ = false;              // no more frames will ever be taken
+    bool finished_ = false;
+    CaptureClock::Clock::duration runTimeBefore_{};
+    CaptureStats stats_;
+    MediaError result_;
+
+    // Encoder thread only.
+    std::int64_t lastIndex_ = -1;
+    CaptureClock::Clock::time_point indexOrigin_;
+    std::int64_t largestFrameBytes_ = 0;
+
+    std::jthread thread_;
+};
+
+} // namespace ravelcue::media::ffmpeg

@@ -1,0 +1,120 @@
+#include "ImageFrames.h"
+
+#include <cstring>
+#include <libyuv.h>
+
+namespace ravelcue::media::ffmpeg {
+
+FramePtr frameViewOf(const QImage& image) {
+    FramePtr frame = makeFrame();
+    if (!frame || image.isNull()) {
+        return frame;
+    }
+    const bool hasAlpha = image.format() == QImage::Format_ARGB32;
+    // QImage's 32-bit formats are native-endian 0xAARRGGBB words, which FFmpeg calls RGB32.
+    frame->format = hasAlpha ? AV_PIX_FMT_RGB32 : AV_PIX_FMT_0RGB32;
+    frame->width = image.width();
+    frame->height = image.height();
+    frame->data[0] = const_cast<uint8_t*>(image.constBits());
+    frame->linesize[0] = static_cast<int>(image.bytesPerLine());
+    return frame;
+}
+
+AVPixelFormat plainFormat(AVPixelFormat format, AVColorRange range, bool& fullRange) {
+    fullRange = range == AVCOL_RANGE_JPEG;
+    switch (format) {
+    case AV_PIX_FMT_YUVJ420P:
+        fullRange = true;
+        return AV_PIX_FMT_YUV420P;
+    case AV_PIX_FMT_YUVJ422P:
+        fullRange = true;
+        return AV_PIX_FMT_YUV422P;
+    case AV_PIX_FMT_YUVJ444P:
+        fullRange = true;
+        return AV_PIX_FMT_YUV444P;
+    case AV_PIX_FMT_YUVJ440P:
+        fullRange = true;
+        return AV_PIX_FMT_YUV440P;
+    case AV_PIX_FMT_YUVJ411P:
+        fullRange = true;
+        return AV_PIX_FMT_YUV411P;
+    default:
+        return format;
+    }
+}
+
+SwsContext* converterFor(SwsPtr& cache, int sourceWidth, int sourceHeight, AVPixelFormat source,
+                         AVColorRange sourceRange, int width, int height, AVPixelFormat destination,
+                         AVColorRange destinationRange, int flags) {
+    bool sourceFull = false;
+    bool destinationFull = false;
+    source = plainFormat(source, sourceRange, sourceFull);
+    destination = plainFormat(destination, destinationRange, destinationFull);
+    SwsContext* context =
+        sws_getCachedContext(cache.release(), sourceWidth, sourceHeight, source, width, height,
+                             destination, flags, nullptr, nullptr, nullptr);
+    cache.reset(context);
+    if (context == nullptr) {
+        return nullptr;
+    }
+    // RGB is always full range; the flags matter only on the YUV side.
+    const int* coefficients = sws_getCoefficients(SWS_CS_DEFAULT);
+    sws_setColorspaceDetails(context, coefficients, sourceFull ? 1 : 0, coefficients,
+                             destinationFull ? 1 : 0, 0, 1 << 16, 1 << 16);
+    return context;
+}
+
+bool convertPictureQuickly(const AVFrame& source, AVFrame& destination) {
+    // libyuv's "ARGB" is the byte order B, G, R, A: FFmpeg's BGRA and BGR0.
+    const bool rgb32 = source.format == AV_PIX_FMT_BGRA || source.format == AV_PIX_FMT_BGR0;
+    if (!rgb32 || source.width != destination.width || source.height != destination.height) {
+        return false;
+    }
+    const uint8_t* in = source.data[0];
+    const int stride = source.linesize[0];
+    uint8_t* const* out = destination.data;
+    const int* strides = destination.linesize;
+    const int width = source.width;
+    const int height = source.height;
+    switch (destination.format) {
+    case AV_PIX_FMT_YUV420P:
+        // BT.601 either way, as swscale does by default.
+        return (destination.color_range == AVCOL_RANGE_JPEG
+                    ? libyuv::ARGBToJ420(in, stride, out[0], strides[0], out[1], strides[1], out[2],
+                                         strides[2], width, height)
+                    : libyuv::ARGBToI420(in, stride, out[0], strides[0], out[1], strides[1], out[2],
+                                         strides[2], width, height)) == 0;
+    case AV_PIX_FMT_BGR24: // libyuv's "RGB24" is B, G, R
+        return libyuv::ARGBToRGB24(in, stride, out[0], strides[0], width, height) == 0;
+    case AV_PIX_FMT_RGB24: // and its "RAW" is R, G, B
+        return libyuv::ARGBToRAW(in, stride, out[0], strides[0], width, height) == 0;
+    case AV_PIX_FMT_BGR0:
+        for (int y = 0; y < height; ++y) {
+            std::memcpy(out[0] + std::ptrdiff_t(y) * strides[0], in + std::ptrdiff_t(y) * stride,
+                        size_t(width) * 4);
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+QImage imageOf(const AVFrame& frame, SwsPtr& cache) {
+    if (frame.width <= 0 || frame.height <= 0) {
+        return {};
+    }
+    SwsContext* context =
+        converterFor(cache, frame.width, frame.height, static_cast<AVPixelFormat>(frame.format),
+                     frame.color_range, frame.width, frame.height, AV_PIX_FMT_0RGB32,
+                     AVCOL_RANGE_JPEG, SWS_BILINEAR);
+    if (context == nullptr) {
+        return {};
+    }
+    QImage image(frame.width, frame.height, QImage::Format_RGB32);
+    uint8_t* destination[4] = {image.bits(), nullptr, nullptr, nullptr};
+    const int destinationStride[4] = {static_cast<int>(image.bytesPerLine()), 0, 0, 0};
+    sws_scale(context, frame.data, frame.linesize, 0, frame.height, destination, destinationStride);
+    return image;
+}
+
+} // namespace ravelcue::media::ffmpeg
