@@ -5,6 +5,7 @@
 #include "core/AppState.h"
 #include "core/ModeMachine.h"
 #include "core/PaneLayout.h"
+#include "core/Version.h"
 #include "platform/media/MediaInstances.h"
 #include "platform/ui/WindowContext.h"
 
@@ -22,6 +23,8 @@ class MediaEngine;
 }
 namespace ui {
 class Clock;
+class Desktop;
+class HelpWindow;
 class Prompts;
 class StatusPanels;
 class StatusPopup;
@@ -40,6 +43,9 @@ namespace playback {
 class PlayerPanes;
 class RunEditToolFrame;
 } // namespace playback
+namespace utilities {
+class UtilityCommands;
+}
 } // namespace ravelcue
 
 namespace ravelcue::app {
@@ -63,6 +69,10 @@ struct MainWindowServices {
     const ui::Clock& clock;
     ToneBus& tones;
     AppPaths paths;
+    // The user's browser, mail program and file manager.
+    ui::Desktop& desktop;
+    // The folder holding app.txt and the update package.
+    QString downloadUrl = QString::fromLatin1(kDownloadUrl);
 };
 
 // frmMain: the one window of the program. It builds every pane and wires them, switches modes
@@ -135,6 +145,9 @@ private:
     void runSilentUpdateCheck();
     void setUnitCaptions();
 
+    // Delete Files, the update check, help and About.
+    void wireUtilities();
+
     MainWindowServices services_;
     AppState state_;
     AppSettings settings_;
@@ -152,6 +165,8 @@ private:
     training::TrainingToolFrame* trainingFrame_ = nullptr;
     playback::PlayerPanes* playerPanes_ = nullptr;
     playback::RunEditToolFrame* runEdit_ = nullptr;
+    std::unique_ptr<ui::HelpWindow> help_;
+    utilities::UtilityCommands* utilities_ = nullptr;
     QHash<QString, QObject*> controls_;
     bool stopped_ = false;
 };

@@ -5,16 +5,17 @@
 #include "core/ToneBus.h"
 #include "platform/ui/Clock.h"
 #include "platform/ui/StatusPopup.h"
+#include "support/RecordingDesktop.h"
 #include "support/RecordingEngine.h"
 #include "support/ScriptedPrompts.h"
 #include "support/TempFolder.h"
+
+#include <memory>
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QLabel>
 #include <QTest>
-
-#include <memory>
 
 namespace ravelcue::test {
 
@@ -51,6 +52,10 @@ public:
     ToneBus tones;
     TempFolder data;
     TempFolder program;
+    RecordingDesktop desktop;
+    // Where the update check reads app.txt. Empty, the read fails at once without touching the
+    // network; tests of the check set a local server's address.
+    QString downloadUrl;
 
 private:
     media::MediaEngine* engine_;
