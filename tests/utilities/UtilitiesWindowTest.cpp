@@ -24,15 +24,22 @@ void addFile(const QString& path) {
     file.write("recorded");
 }
 
-void tickRow(QTreeWidget* list, const QString& name) {
-    list->findItems(name, Qt::MatchExactly, 0).first()->setCheckState(0, Qt::Checked);
+// Makes the window the active one, as a click on it would, and presses F1 there.
+void pressF1(QWidget* window) {
+    window->activateWindow();
+    for (int turn = 0; turn < 100 && QApplication::activeWindow() != window; ++turn) {
+        QCoreApplication::processEvents();
+    }
+    ASSERT_EQ(QApplication::activeWindow(), window);
+    QTest::keyClick(window, Qt::Key_F1);
 }
 
-template <typename T>
-T* openWindow(app::MainWindow& window, const char* name) {
-    for (T* found : window.findChildren<T*>(QString::fromLatin1(name))) {
-        if (found->isVisible()) {
-            return found;
+// The window of that name on screen, or null.
+template <typename T = QWidget>
+T* openWindow(const char* name) {
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+        if (top->objectName() == QLatin1String(name) && top->isVisible()) {
+            return qobject_cast<T*>(top);
         }
     }
     return nullptr;
@@ -50,15 +57,19 @@ TEST(UtilitiesWindow, DeleteFilesListsTheDataFolderDeletesTickedFilesAndReturnsT
 
     fixture.click("cmdDeleteFiles");
     EXPECT_EQ(window.state().CurrentState, "DeleteFiles");
-    auto* dialog = openWindow<utilities::FileDeleteDialog>(window, "frmFileDelete");
+    auto* dialog = openWindow<utilities::FileDeleteDialog>("frmFileDelete");
     ASSERT_NE(dialog, nullptr);
     EXPECT_TRUE(dialog->isModal());
     EXPECT_EQ(dialog->findChild<QLabel*>("Label2")->text(), "3 Video Files");
     EXPECT_EQ(dialog->findChild<QLabel*>("Label3")->text(), "2 Image Files");
 
-    tickRow(dialog->lvVideoFiles(), "drill(Cam2).avi");
-    tickRow(dialog->lvVideoFiles(), "break.avi");
-    tickRow(dialog->lvImageFiles(), "grip.jpg");
+    for (QTreeWidget* list : {dialog->lvVideoFiles(), dialog->lvImageFiles()}) {
+        for (const char* name : {"drill(Cam2).avi", "break.avi", "grip.jpg"}) {
+            if (QTreeWidgetItem* row = list->findItems(name, Qt::MatchExactly).value(0)) {
+                row->setCheckState(0, Qt::Checked);
+            }
+        }
+    }
     QTest::mouseClick(dialog->findChild<QPushButton*>("cmdDelete"), Qt::LeftButton);
     EXPECT_EQ(QDir(data.filePath("Videos")).entryList(QDir::Files), QStringList{"drill(Cam1).avi"});
     EXPECT_EQ(QDir(data.filePath("Images")).entryList(QDir::Files), QStringList{"stance.jpg"});
@@ -69,7 +80,7 @@ TEST(UtilitiesWindow, DeleteFilesListsTheDataFolderDeletesTickedFilesAndReturnsT
     QTest::mouseClick(dialog->findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(window.state().CurrentState, "Live");
-    EXPECT_EQ(openWindow<utilities::FileDeleteDialog>(window, "frmFileDelete"), nullptr);
+    EXPECT_EQ(openWindow<utilities::FileDeleteDialog>("frmFileDelete"), nullptr);
     EXPECT_TRUE(fixture.find<QPushButton>("cmdDeleteFiles")->isEnabled());
     EXPECT_TRUE(fixture.prompts.shown().empty());
 }
@@ -87,16 +98,9 @@ TEST(UtilitiesWindow, TheHelpMenuOpensHelpTheWebSiteAndAbout) {
               (QStringList{"mnuContents", "-", "mnuWebSite", "mnuUpdateCheck", "-", "mnuAbout"}));
     EXPECT_EQ(fixture.find<QAction>("mnuContents")->shortcut(), QKeySequence(Qt::Key_F1));
 
-    fixture.click("mnuContents");
-    QWidget* helpWindow = nullptr;
-    for (QWidget* top : QApplication::topLevelWidgets()) {
-        if (top->objectName() == "frmHelp") {
-            helpWindow = top;
-        }
-    }
-    ASSERT_NE(helpWindow, nullptr);
-    EXPECT_TRUE(helpWindow->isVisible());
-    auto* help = helpWindow->findChild<QTextBrowser*>("txtHelp");
+    pressF1(&window);
+    ASSERT_NE(openWindow("frmHelp"), nullptr);
+    auto* help = openWindow("frmHelp")->findChild<QTextBrowser*>("txtHelp");
     EXPECT_EQ(help->source(), ui::HelpWindow::topicUrl(10));
     EXPECT_TRUE(help->toPlainText().contains("Delete Files"));
 
@@ -104,15 +108,14 @@ TEST(UtilitiesWindow, TheHelpMenuOpensHelpTheWebSiteAndAbout) {
     EXPECT_EQ(fixture.desktop.opened, QList<QUrl>{QUrl(kWebUrl)});
 
     fixture.click("mnuAbout");
-    auto* about = openWindow<QDialog>(window, "frmAbout");
+    auto* about = openWindow<QDialog>("frmAbout");
     ASSERT_NE(about, nullptr);
     EXPECT_TRUE(about->isModal());
     EXPECT_EQ(about->windowTitle(), "About Ravelcue");
     EXPECT_EQ(about->findChild<QLabel*>("lblTitle")->text(), "Ravelcue");
     EXPECT_EQ(about->findChild<QLabel*>("lblVersion")->text(), "1.0.0");
     for (const char* link : {"URLLabel3", "URLLabel4", "URLLabel2", "URLLabel1"}) {
-        auto* label = about->findChild<QLabel*>(link);
-        emit label->linkActivated(QString());
+        emit about->findChild<QLabel*>(link)->linkActivated(QString());
     }
     EXPECT_EQ(fixture.desktop.opened.mid(1),
               (QList<QUrl>{QUrl::fromLocalFile(fixture.program.path()),
@@ -129,17 +132,17 @@ TEST(UtilitiesWindow, StartUpChecksSilentlyWhenAskedAndTheMenuShowsTheWindow) {
     WindowFixture fixture;
     fixture.downloadUrl = server.downloadUrl();
     fixture.answeredUpdateQuestion("1");
-    app::MainWindow& window = fixture.start();
+    fixture.start();
     while (fixture.prompts.shown().empty()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     EXPECT_EQ(fixture.prompts.texts(),
               QStringList{"There is a new version of Ravelcue available."});
-    EXPECT_EQ(openWindow<utilities::UpdateCheck>(window, "frmUpdateCheck"), nullptr)
+    EXPECT_EQ(openWindow<utilities::UpdateCheck>("frmUpdateCheck"), nullptr)
         << "the silent check shows no window";
 
     fixture.click("mnuUpdateCheck");
-    auto* check = openWindow<utilities::UpdateCheck>(window, "frmUpdateCheck");
+    auto* check = openWindow<utilities::UpdateCheck>("frmUpdateCheck");
     ASSERT_NE(check, nullptr);
     EXPECT_TRUE(check->checking());
     while (check->checking()) {
@@ -147,6 +150,10 @@ TEST(UtilitiesWindow, StartUpChecksSilentlyWhenAskedAndTheMenuShowsTheWindow) {
     }
     EXPECT_EQ(check->DLWhat(), server.downloadUrl() + "RV.zip");
     EXPECT_EQ(server.requests().size(), 2);
+    pressF1(check);
+    ASSERT_NE(openWindow("frmHelp"), nullptr);
+    EXPECT_EQ(openWindow("frmHelp")->findChild<QTextBrowser*>("txtHelp")->source(),
+              ui::HelpWindow::topicUrl(180));
 }
 
 TEST(HelpTopics, EveryTopicIsShippedAndEveryLinkLeadsToOne) {
