@@ -12,6 +12,7 @@
 #include "platform/media/AudioInstance.h"
 #include "platform/media/MediaInstances.h"
 #include "platform/sound/SoundOutput.h"
+#include "platform/ui/CancelKey.h"
 #include "platform/ui/Clock.h"
 #include "platform/ui/Controls.h"
 #include "platform/ui/Prompts.h"
@@ -25,7 +26,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 #include <QTimer>
 
 namespace ravelcue::breakspeed {
@@ -129,13 +129,9 @@ BreakSpeedPane::BreakSpeedPane(ui::WindowContext& context, sound::SoundOutput& s
         ui::makeButton(fmBreakSpeedTB_, QStringLiteral("cmdBreakSpeedLog"), QStringLiteral("Save"),
                        QStringLiteral("Click to save  break speed"), QRect(702, 14, 86, 44));
     tmrBlink2_ = ui::makeTimer(client, QStringLiteral("tmrBlink2"), 500, context_.clock);
-    escape_ = new QShortcut(QKeySequence(Qt::Key_Escape), client);
-    escape_->setContext(Qt::WindowShortcut);
-    escape_->setEnabled(false);
 
     connect(cmdStartBreakSpeed_, &QPushButton::clicked, this,
             &BreakSpeedPane::cmdStartBreakSpeed_Click);
-    connect(escape_, &QShortcut::activated, cmdStartBreakSpeed_, &QPushButton::click);
     connect(tmrBlink2_, &QTimer::timeout, this, &BreakSpeedPane::tmrBlink2_Timer);
     connect(cmdCalTone_, &QPushButton::clicked, this, &BreakSpeedPane::cmdCalTone_Click);
     connect(cmdBreakSpeedLog_, &QPushButton::clicked, this,
@@ -223,7 +219,7 @@ void BreakSpeedPane::cmdStartBreakSpeed_Click() {
         txtSpeed_->clear();
         txtEnergy_->clear();
         restoreDistanceAfterCalibration();
-        escape_->setEnabled(true);
+        context_.cancelKey.setCancelButton(cmdStartBreakSpeed_); // Escape stops the capture
         tmrBlink2_->start();
         CaptureCountdown_ = 60;
         context_.status.setPanel(1, QStringLiteral("Capturing Audio..."));
@@ -232,7 +228,7 @@ void BreakSpeedPane::cmdStartBreakSpeed_Click() {
         cmdStartBreakSpeed_->setText(kStartCaption);
         context_.mode.State("StopCaptureAudio");
         audio.StopCapture();
-        escape_->setEnabled(false);
+        context_.cancelKey.setCancelButton(nullptr);
         tmrBlink2_->stop();
         context_.status.setPanel(1, QStringLiteral("Audio Capture Stopped"));
         setStatus(QStringLiteral("Calculating break speed...."), kRed);

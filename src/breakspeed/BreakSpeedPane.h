@@ -10,7 +10,6 @@ class QFrame;
 class QLabel;
 class QLineEdit;
 class QPushButton;
-class QShortcut;
 class QTimer;
 class QWidget;
 
@@ -97,7 +96,6 @@ private:
     QLabel* lblDistance_ = nullptr;
     QLabel* lblSpeed_ = nullptr;
     QTimer* tmrBlink2_ = nullptr;
-    QShortcut* escape_ = nullptr; // the Escape key clicks the button while a capture runs
     QPointer<BreakSpeedLogDialog> frmBreakSpeedLog_;
 
     AudioSamples samples_; // AudioSamples: the last recording, header and all
