@@ -4,13 +4,6 @@
 
 #include "app/Application.h"
 
-#include <QApplication>
-#include <QDir>
-#include <QFile>
-#include <QMainWindow>
-#include <QTemporaryDir>
-#include <QTimer>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -22,6 +15,13 @@
 #include <unistd.h>
 #include <vector>
 
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QMainWindow>
+#include <QTemporaryDir>
+#include <QTimer>
+
 extern char** environ;
 
 namespace {
@@ -29,8 +29,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 long long nowNs() {
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(
-               Clock::now().time_since_epoch())
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch())
         .count();
 }
 

@@ -3,11 +3,14 @@
 #include "CommandStrip.h"
 #include "breakspeed/BreakSpeedPane.h"
 #include "capture/CaptureToolFrame.h"
+#include "capture/FileSetCapture.h"
 #include "capture/LiveView.h"
 #include "core/Rounding.h"
 #include "core/Version.h"
 #include "platform/media/MediaEngine.h"
 #include "platform/media/VideoView.h"
+#include "platform/sound/SoundOutput.h"
+#include "platform/ui/CancelKey.h"
 #include "platform/ui/HelpWindow.h"
 #include "platform/ui/StatusPanels.h"
 #include "platform/ui/StatusPopup.h"
@@ -43,9 +46,12 @@ MainWindow::MainWindow(const MainWindowServices& services, QWidget* parent)
     , mode_(state_, settings_, *this)
     , media_(media::MediaInstances::create(services.engine))
     , status_(new ui::StatusPanels(this))
-    , context_{state_,   settings_,        services.store, mode_,          geometry_,     media_,
-               *status_, services.prompts, services.popup, services.clock, services.tones}
-    , menus_(MainMenus::build(*this)) {
+    , cancelKey_(new ui::CancelKey(this))
+    , context_{state_,         settings_,      services.store, mode_,
+               geometry_,      media_,         *status_,       services.prompts,
+               services.popup, services.clock, services.tones, *cancelKey_}
+    , menus_(MainMenus::build(*this))
+    , sound_(std::make_unique<sound::SoundOutput>(services.tones)) {
     setObjectName(QStringLiteral("frmMain"));
     setStatusBar(status_);
     client_ = new QWidget(this);
@@ -62,8 +68,10 @@ void MainWindow::buildPanes() {
     commandStrip_ = new CommandStrip(client_);
     liveView_ = new capture::LiveView(context_, client_);
     playerPanes_ = new playback::PlayerPanes(context_, client_);
-    breakSpeedPane_ = new breakspeed::BreakSpeedPane(context_, client_);
+    breakSpeedPane_ = new breakspeed::BreakSpeedPane(context_, *sound_, client_);
     captureFrame_ = new capture::CaptureToolFrame(context_, client_);
+    // Until tones can be played, the start of a recording is silent.
+    fileSetCapture_ = new capture::FileSetCapture(context_, *captureFrame_, *liveView_, {});
     trainingFrame_ = new training::TrainingToolFrame(context_, client_);
     runEdit_ = new playback::RunEditToolFrame(context_, client_);
 }

@@ -22,6 +22,7 @@ namespace media {
 class MediaEngine;
 }
 namespace ui {
+class CancelKey;
 class Clock;
 class Desktop;
 class HelpWindow;
@@ -31,10 +32,14 @@ class StatusPopup;
 } // namespace ui
 namespace capture {
 class CaptureToolFrame;
+class FileSetCapture;
 class LiveView;
 } // namespace capture
 namespace breakspeed {
 class BreakSpeedPane;
+}
+namespace sound {
+class SoundOutput;
 }
 namespace training {
 class TrainingToolFrame;
@@ -155,12 +160,15 @@ private:
     ModeMachine mode_;
     media::MediaInstances media_;
     ui::StatusPanels* status_ = nullptr;
+    ui::CancelKey* cancelKey_ = nullptr;
     ui::WindowContext context_;
     MainMenus menus_;
+    std::unique_ptr<sound::SoundOutput> sound_;
     QWidget* client_ = nullptr;
     CommandStrip* commandStrip_ = nullptr;
     capture::LiveView* liveView_ = nullptr;
     capture::CaptureToolFrame* captureFrame_ = nullptr;
+    capture::FileSetCapture* fileSetCapture_ = nullptr;
     breakspeed::BreakSpeedPane* breakSpeedPane_ = nullptr;
     training::TrainingToolFrame* trainingFrame_ = nullptr;
     playback::PlayerPanes* playerPanes_ = nullptr;

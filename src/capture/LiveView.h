@@ -43,6 +43,9 @@ public:
     // Wipes a camera's overlay and hands it over.
     void clearCamOverlay(int camera);
 
+    // Asks the window to set optCamSelect(index), as a click would.
+    void requestCameraOption(int index) { emit cameraOptionRequested(index); }
+
     // Copies the panes' and pictures' geometry from the layout onto the widgets.
     void applyGeometry();
 

@@ -1,5 +1,4 @@
 #include "WindowFixture.h"
-
 #include "platform/media/VideoView.h"
 
 #include <QFrame>

@@ -1,5 +1,4 @@
 #include "WindowFixture.h"
-
 #include "core/AppSettings.h"
 #include "platform/ui/StatusPopup.h"
 
@@ -32,7 +31,8 @@ TEST(StartUp, FirstRunAsksOnceLeavesTheMessagesAndMakesTheFolders) {
     EXPECT_EQ(window.windowTitle(), "Ravelcue - 1.0.0");
     EXPECT_EQ(fixture.panel(1), "Live Video");
     for (int i = 0; i < 4; ++i) {
-        EXPECT_FALSE(fixture.find<QRadioButton>(QStringLiteral("optCamSelect_%1").arg(i))->isEnabled());
+        EXPECT_FALSE(
+            fixture.find<QRadioButton>(QStringLiteral("optCamSelect_%1").arg(i))->isEnabled());
     }
     EXPECT_TRUE(fixture.find<QRadioButton>("optCamSelect_4")->isEnabled());
     EXPECT_TRUE(fixture.recorder.calls("cam").isEmpty()) << "no camera connects on a first run";
@@ -67,13 +67,13 @@ TEST(StartUp, EnabledCamerasConnectInOrderWithTheirSettings) {
     app::MainWindow& window = fixture.start();
 
     EXPECT_TRUE(fixture.prompts.shown().empty()) << "a stored answer asks nothing";
-    EXPECT_EQ(fixture.recorder.calls("cam2."),
-              (QStringList{"cam2.SetConnected(0)", "cam2.SetVideoDevice(5)",
-                           "cam2.SetCaptureFrameRate(29.97)", "cam2.SetCaptureAudio(0)",
-                           "cam2.SetSetting(42,0)", "cam2.SetRenderMode(0)",
-                           "cam2.SetSetting(45,0)", "cam2.SetPreviewScale(1)",
-                           "cam2.SetConnected(1)", "cam2.SetVideoSize(1280,720)",
-                           "cam2.SetPreview(1)"}));
+    EXPECT_EQ(
+        fixture.recorder.calls("cam2."),
+        (QStringList{"cam2.SetConnected(0)", "cam2.SetVideoDevice(5)",
+                     "cam2.SetCaptureFrameRate(29.97)", "cam2.SetCaptureAudio(0)",
+                     "cam2.SetSetting(42,0)", "cam2.SetRenderMode(0)", "cam2.SetSetting(45,0)",
+                     "cam2.SetPreviewScale(1)", "cam2.SetConnected(1)",
+                     "cam2.SetVideoSize(1280,720)", "cam2.SetPreview(1)"}));
     EXPECT_TRUE(fixture.recorder.calls("cam1.").isEmpty());
     EXPECT_TRUE(fixture.recorder.calls("cam3.").isEmpty()) << "a source alone does not connect";
     EXPECT_EQ(window.state().PlayerEnable, (std::array<bool, 4>{true, false, true, false}));
@@ -92,10 +92,10 @@ TEST(StartUp, EnabledCamerasConnectInOrderWithTheirSettings) {
 
     // The microphone is bound to its device and to breakspeed.wav in the data folder.
     const QString wav = QString::fromStdString(window.state().AppDataDir) + "/breakspeed.wav";
-    EXPECT_EQ(fixture.recorder.calls("audio."),
-              (QStringList{"audio.SetAudioDevice(4)", "audio.SetConnected(1)",
-                           "audio.SetVideoDevice(-1)", "audio.SetCaptureAudio(1)",
-                           "audio.SetCaptureFile(" + wav + ")"}));
+    EXPECT_EQ(
+        fixture.recorder.calls("audio."),
+        (QStringList{"audio.SetAudioDevice(4)", "audio.SetConnected(1)", "audio.SetVideoDevice(-1)",
+                     "audio.SetCaptureAudio(1)", "audio.SetCaptureFile(" + wav + ")"}));
     // Players are prepared after the cameras.
     const QStringList& log = fixture.recorder.log();
     EXPECT_LT(log.indexOf("cam2.SetPreview(1)"), log.indexOf("player0.SetConnected(1)"));

@@ -4,6 +4,7 @@
 #include "platform/ui/StatusPanels.h"
 
 #include <QStatusBar>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +47,13 @@ void WindowFixture::click(const QString& name) {
     } else {
         ADD_FAILURE() << "no clickable control named " << name.toStdString();
     }
+    QCoreApplication::processEvents();
+}
+
+void WindowFixture::tick(const QString& timerName) {
+    auto* timer = window_->findChild<QTimer*>(timerName);
+    ASSERT_NE(timer, nullptr) << timerName.toStdString();
+    QMetaObject::invokeMethod(timer, "timeout");
     QCoreApplication::processEvents();
 }
 

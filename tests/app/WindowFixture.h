@@ -5,6 +5,7 @@
 #include "core/ToneBus.h"
 #include "platform/ui/Clock.h"
 #include "platform/ui/StatusPopup.h"
+#include "support/QtPrinters.h"
 #include "support/RecordingDesktop.h"
 #include "support/RecordingEngine.h"
 #include "support/ScriptedPrompts.h"
@@ -42,6 +43,8 @@ public:
     // Clicks a button, or triggers a menu entry or toolbar button, by its object name.
     void click(const QString& name);
     QString panel(int n);
+    // Fires a timer of the window once, as if its interval had passed.
+    void tick(const QString& timerName);
     QString text(const QString& labelName) { return find<QLabel>(labelName)->text(); }
 
     MemorySettingsStore store;

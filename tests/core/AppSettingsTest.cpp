@@ -1,4 +1,5 @@
 #include "core/AppSettings.h"
+
 #include "core/SettingsStore.h"
 #include "core/VideoSize.h"
 

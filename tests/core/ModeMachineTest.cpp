@@ -1,12 +1,13 @@
-#include "core/AppSettings.h"
-#include "core/AppState.h"
 #include "core/ModeMachine.h"
 
-#include <gtest/gtest.h>
+#include "core/AppSettings.h"
+#include "core/AppState.h"
 
 #include <map>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 namespace ravelcue {
 namespace {
@@ -102,7 +103,8 @@ TEST_F(ModeMachineTest, LiveReconnectsOnlyWhenComingFromTraining) {
 
     window.log.clear();
     machine.State("Live");
-    EXPECT_EQ(window.connects(), (std::vector<std::string>{"connect 1 7 Fast", "connect 3 2 Fast"}));
+    EXPECT_EQ(window.connects(),
+              (std::vector<std::string>{"connect 1 7 Fast", "connect 3 2 Fast"}));
     EXPECT_EQ(state.LiveRenderMode, "Fast");
     // The title is set before the cameras are reconnected.
     const auto title = std::find(window.log.begin(), window.log.end(), "title");
@@ -189,7 +191,7 @@ TEST_F(ModeMachineTest, BreakSpeedFromQuadSelectsCameraOneFirst) {
 
 TEST_F(ModeMachineTest, ViewRowsShowOneFrameAndTheSliderOnlyForVideos) {
     const std::vector<std::pair<std::string, std::string>> frames{
-        {"Live", "fmCapturetb"},         {"Training", "fmTrainingTB"},
+        {"Live", "fmCapturetb"},           {"Training", "fmTrainingTB"},
         {"StartTraining", "fmTrainingTB"}, {"BreakSpeed", "fmBreakSpeedTB"},
         {"PlayVideoFile", "fmRunEditTB"},  {"LoadImageFile", "fmRunEditTB"},
         {"DeleteFiles", "fmCapturetb"},    {"StartCaptureVideo", "fmCapturetb"}};
@@ -219,8 +221,8 @@ TEST_F(ModeMachineTest, PlayerModesSetTheirMenusAndBreakSpeedLeavesThem) {
     EXPECT_TRUE(window.enabled("mnuZoomPan"));
 
     machine.State("Live");
-    for (const char* entry : {"mnuPlayerSelect", "mnuCaptureImage", "mnuCaptureSet",
-                              "mnuSaveVideo", "mnuZoomPan", "mnuGridControl"}) {
+    for (const char* entry : {"mnuPlayerSelect", "mnuCaptureImage", "mnuCaptureSet", "mnuSaveVideo",
+                              "mnuZoomPan", "mnuGridControl"}) {
         EXPECT_FALSE(window.enabled(entry)) << entry;
     }
     EXPECT_TRUE(window.enabled("mnuCameraSelect"));

@@ -1,5 +1,6 @@
-#include "core/AppState.h"
 #include "core/PaneLayout.h"
+
+#include "core/AppState.h"
 
 #include <gtest/gtest.h>
 

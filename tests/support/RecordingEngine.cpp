@@ -47,11 +47,15 @@ QString arg(double value) {
     return QString::number(value);
 }
 
+using Behaviour = std::shared_ptr<RecordingEngine::CaptureBehaviour>;
+
 class RecordingCapture final : public media::CaptureInstance, Recorder {
 public:
-    RecordingCapture(Log log, int index)
+    RecordingCapture(Log log, int index, Behaviour behaviour)
         : Recorder(std::move(log), QStringLiteral("cam%1").arg(index))
-        , view_(new media::VideoView) {}
+        , view_(new media::VideoView)
+        , index_(index)
+        , behaviour_(std::move(behaviour)) {}
     ~RecordingCapture() override { delete view_.data(); }
 
     void SetConnected(bool c) override {
@@ -85,39 +89,53 @@ public:
         note(QStringLiteral("SetPreview(%1)").arg(p));
     }
     bool Preview() const override { return preview_; }
-    void SetSetting(int n, int v) override { note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v)); }
+    void SetSetting(int n, int v) override {
+        note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v));
+    }
     void SetCaptureFile(const QString& p) override {
         file_ = p;
         note(QStringLiteral("SetCaptureFile(%1)").arg(p));
     }
     QString CaptureFile() const override { return file_; }
-    int CompressorCount() const override { return 0; }
-    QString CompressorName(int) const override { return {}; }
-    void SetCompressorIndex(int n) override { note(QStringLiteral("SetCompressorIndex(%1)").arg(n)); }
+    int CompressorCount() const override {
+        return static_cast<int>(behaviour_->compressors.size());
+    }
+    QString CompressorName(int n) const override { return behaviour_->compressors.value(n); }
+    void SetCompressorIndex(int n) override {
+        note(QStringLiteral("SetCompressorIndex(%1)").arg(n));
+    }
     int CompressorIndex() const override { return -1; }
-    int ProfileCount() const override { return 0; }
-    QString ProfileName(int) const override { return {}; }
+    int ProfileCount() const override { return static_cast<int>(behaviour_->profiles.size()); }
+    QString ProfileName(int n) const override { return behaviour_->profiles.value(n); }
     void SetProfileIndex(int n) override { note(QStringLiteral("SetProfileIndex(%1)").arg(n)); }
     int ProfileIndex() const override { return 0; }
     bool StartCapture() override {
         note(QStringLiteral("StartCapture()"));
-        return true;
+        capturing_ = !behaviour_->camerasThatFailToStart.contains(index_);
+        return capturing_;
     }
     bool StartCaptureUncompressed() override {
         note(QStringLiteral("StartCaptureUncompressed()"));
-        return true;
+        capturing_ = !behaviour_->camerasThatFailToStart.contains(index_);
+        return capturing_;
     }
     void PauseCapture() override { note(QStringLiteral("PauseCapture()")); }
     void ResumeCapture() override { note(QStringLiteral("ResumeCapture()")); }
-    void StopCapture() override { note(QStringLiteral("StopCapture()")); }
-    bool IsCapturing() const override { return false; }
-    media::CaptureStats GetCaptureStats() const override { return {}; }
+    void StopCapture() override {
+        capturing_ = false;
+        note(QStringLiteral("StopCapture()"));
+    }
+    bool IsCapturing() const override { return capturing_; }
+    media::CaptureStats GetCaptureStats() const override { return behaviour_->stats; }
     QByteArray FrameBytes() const override { return {}; }
     void SetBitmapOverlay(const QImage&) override { note(QStringLiteral("SetBitmapOverlay()")); }
     media::VideoView* view() const override { return view_; }
 
 private:
     QPointer<media::VideoView> view_;
+    int index_;
+    Behaviour behaviour_;
+    bool capturing_ = false;
     bool connected_ = false;
     bool preview_ = false;
     int device_ = -1;
@@ -142,7 +160,9 @@ public:
     }
     void SetRenderMode(int m) override { note(QStringLiteral("SetRenderMode(%1)").arg(m)); }
     void SetCaptureAudio(bool a) override { note(QStringLiteral("SetCaptureAudio(%1)").arg(a)); }
-    void SetSetting(int n, int v) override { note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v)); }
+    void SetSetting(int n, int v) override {
+        note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v));
+    }
     media::MediaError PlayerOpen(const QString& path) override {
         note(QStringLiteral("PlayerOpen(%1)").arg(path));
         return {};
@@ -156,7 +176,9 @@ public:
     double PlayerGetPos() const override { return 0; }
     void PlayerSetPos(double ms) override { note(QStringLiteral("PlayerSetPos(%1)").arg(arg(ms))); }
     double PlayerGetFrame() const override { return 0; }
-    void PlayerSetFrame(double f) override { note(QStringLiteral("PlayerSetFrame(%1)").arg(arg(f))); }
+    void PlayerSetFrame(double f) override {
+        note(QStringLiteral("PlayerSetFrame(%1)").arg(arg(f)));
+    }
     QSize PlayerGetSize() const override { return {}; }
     double PlayerGetDuration() const override { return 0; }
     int PlayerGetFrameCount() const override { return 0; }
@@ -235,7 +257,7 @@ media::DeviceCatalog& RecordingEngine::devices() {
 }
 
 std::unique_ptr<media::CaptureInstance> RecordingEngine::createCapture(int index) {
-    return std::make_unique<RecordingCapture>(log_, index);
+    return std::make_unique<RecordingCapture>(log_, index, behaviour_);
 }
 
 std::unique_ptr<media::PlayerInstance> RecordingEngine::createPlayer(int index) {

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "platform/media/CaptureStats.h"
 #include "platform/media/MediaEngine.h"
+
+#include <memory>
 
 #include <QString>
 #include <QStringList>
-
-#include <memory>
 
 namespace ravelcue::test {
 
@@ -23,6 +24,17 @@ public:
     std::unique_ptr<media::RecompressInstance> createRecompress(int index) override;
     std::unique_ptr<media::AudioInstance> createAudio() override;
 
+    // What the capture instances offer and do, set before the window is built.
+    struct CaptureBehaviour {
+        QStringList compressors{"MJPEG", "H.264", "MPEG-4", "FFV1", "HuffYUV"};
+        QStringList profiles{"Video for dial-up modems (28.8 Kbps)",
+                             "Video for broadband NTSC (1500 Kbps total)",
+                             "Video for LAN (768 Kbps)"};
+        QList<int> camerasThatFailToStart;
+        media::CaptureStats stats{250, 2, 8333};
+    };
+    std::shared_ptr<CaptureBehaviour> captureBehaviour() { return behaviour_; }
+
     QStringList& log() { return *log_; }
     // The calls whose text starts with the prefix ("cam0.").
     QStringList calls(const QString& prefix) const;
@@ -30,6 +42,7 @@ public:
 
 private:
     std::shared_ptr<QStringList> log_;
+    std::shared_ptr<CaptureBehaviour> behaviour_ = std::make_shared<CaptureBehaviour>();
     std::unique_ptr<media::DeviceCatalog> devices_;
 };
 

@@ -2,11 +2,11 @@
 
 #include "platform/ui/Prompts.h"
 
-#include <QString>
-#include <QStringList>
-
 #include <deque>
 #include <vector>
+
+#include <QString>
+#include <QStringList>
 
 namespace ravelcue::test {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CaptureStats.h"
+#include "MediaError.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -73,8 +74,9 @@ public:
     virtual VideoView* view() const = 0;
 
 signals:
-    // A recording ended on its own (device lost, disk full); the file is closed and playable.
-    void captureFailed(const QString& reason);
+    // A recording ended on its own (device lost: DeviceUnavailable; disk full: DiskFull; any
+    // other write failure: WriteFailed); the file is closed and playable up to that moment.
+    void captureFailed(ravelcue::media::MediaError error);
 };
 
 } // namespace ravelcue::media

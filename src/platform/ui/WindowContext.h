@@ -14,6 +14,7 @@ struct MediaInstances;
 
 namespace ravelcue::ui {
 
+class CancelKey;
 class Clock;
 class Prompts;
 class StatusPanels;
@@ -33,6 +34,7 @@ struct WindowContext {
     StatusPopup& popup;
     const Clock& clock;
     ToneBus& tones;
+    CancelKey& cancelKey;
 };
 
 } // namespace ravelcue::ui

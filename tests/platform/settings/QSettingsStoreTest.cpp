@@ -1,5 +1,6 @@
-#include "core/AppSettings.h"
 #include "platform/settings/QSettingsStore.h"
+
+#include "core/AppSettings.h"
 #include "support/TempFolder.h"
 
 #include <QFile>

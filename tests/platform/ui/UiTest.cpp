@@ -22,7 +22,8 @@ namespace {
 
 TEST(SingleInstance, SecondStartFindsTheFirstAndAsksItToRaise) {
     test::TempFolder folder;
-    const QString key = QStringLiteral("RavelcueTest-") + QUuid::createUuid().toString(QUuid::Id128);
+    const QString key =
+        QStringLiteral("RavelcueTest-") + QUuid::createUuid().toString(QUuid::Id128);
     SingleInstance first(key, folder.path());
     ASSERT_TRUE(first.claim());
     SingleInstance second(key, folder.path());
@@ -36,7 +37,8 @@ TEST(SingleInstance, SecondStartFindsTheFirstAndAsksItToRaise) {
 
 TEST(SingleInstance, LockIsFreeAgainWhenTheFirstEnds) {
     test::TempFolder folder;
-    const QString key = QStringLiteral("RavelcueTest-") + QUuid::createUuid().toString(QUuid::Id128);
+    const QString key =
+        QStringLiteral("RavelcueTest-") + QUuid::createUuid().toString(QUuid::Id128);
     {
         SingleInstance first(key, folder.path());
         ASSERT_TRUE(first.claim());

@@ -1,0 +1,336 @@
+#include "BreakSpeedWindow.h"
+#include "breakspeed/AudioAnalysis.h"
+#include "breakspeed/BreakSpeedLogDialog.h"
+#include "core/NumberFormat.h"
+#include "support/SoundServer.h"
+
+#include <csignal>
+#include <sys/resource.h>
+
+#include <QComboBox>
+#include <QCursor>
+#include <QDir>
+#include <QFile>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+namespace ravelcue::test {
+namespace {
+
+using breakspeed::WaveformBox;
+
+constexpr double kSpeedMph = 22.5;
+
+class BreakSpeedPaneTest : public ::testing::Test {
+protected:
+    BreakSpeedPaneTest() {
+        // The same answers whatever sound card the machine has: none.
+        PrivateSoundServer::silenceProcess();
+    }
+
+    // Where the shot's click and crash stand in the recording: 22 words of header, then frames.
+    static int clickWord() {
+        return 22 + 2 * static_cast<int>(ShotMicrophone::kClickSeconds * 44100);
+    }
+    static int crashWord() { return clickWord() + 2 * ShotMicrophone::crashFrames(kSpeedMph); }
+    static bool hasColour(const QImage& image, int column, QRgb colour) {
+        for (int y = 0; y < image.height(); ++y) {
+            if (image.pixel(column, y) != colour) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    BreakSpeedWindow w{kSpeedMph};
+};
+
+TEST_F(BreakSpeedPaneTest, AMeasurementFromStartToStopReadsTheBreakPlayed) {
+    EXPECT_FALSE(w.fixture.find<QWidget>("picBreakSpeed")->isHidden());
+    EXPECT_FALSE(w.fixture.find<QWidget>("fmBreakSpeedTB")->isHidden());
+    EXPECT_EQ(w.fixture.panel(1), "Break Speed");
+
+    w.fixture.click("cmdStartBreakSpeed");
+    EXPECT_EQ(w.fixture.panel(1), "Capturing Audio...");
+    EXPECT_FALSE(w.fixture.find<QWidget>("cmdCalTone")->isEnabled());
+    EXPECT_EQ(w.field("txtSpeed"), "");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return w.caption() == "Stop Capture"; }, 30000));
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"),
+              "Mute speakers during audio capture!!!   Countdown - 00:59");
+    w.fixture.click("cmdStartBreakSpeed");
+
+    EXPECT_EQ(w.caption(), "Start Capture");
+    EXPECT_EQ(w.fixture.panel(1), "Audio Capture Stopped");
+    EXPECT_TRUE(w.fixture.find<QWidget>("cmdCalTone")->isEnabled());
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"), "Auto Peak Detect - 2 peaks found");
+    EXPECT_EQ(w.statusColour(), QColor(0, 128, 0));
+    const float delta = breakspeed::DeltaTime(clickWord(), crashWord());
+    EXPECT_EQ(w.field("txtDeltaTime").toStdString(), Format(delta, "#0.0000"));
+    EXPECT_NEAR(w.field("txtSpeed").toDouble(), kSpeedMph, 0.05);
+    EXPECT_EQ(w.field("txtEnergy").toStdString(),
+              Format(breakspeed::Energy(w.field("txtSpeed").toFloat()), "#.00"));
+
+    // Picture1 has the whole recording with the two peaks marked; Picture2 the stretch around.
+    WaveformBox* picture1 = w.pane().picture1();
+    EXPECT_TRUE(hasColour(picture1->canvas(), picture1->columnAt(clickWord()), qRgb(0, 255, 0)));
+    EXPECT_TRUE(hasColour(picture1->canvas(), picture1->columnAt(crashWord()), qRgb(255, 0, 255)));
+    EXPECT_EQ(w.pane().picture2()->scale().width, crashWord() - clickWord() + 10000);
+
+    // Save hands the result to the log, whose OK writes it.
+    const QString speed = w.field("txtSpeed");
+    w.fixture.click("cmdBreakSpeedLog");
+    breakspeed::BreakSpeedLogDialog* log = w.pane().logDialog();
+    ASSERT_NE(log, nullptr);
+    EXPECT_EQ(log->findChild<QLineEdit*>("txtBreakSpeed")->text(), speed);
+    EXPECT_EQ(log->findChild<QLineEdit*>("txtEnergy")->text(), w.field("txtEnergy"));
+    log->findChild<QLineEdit*>("txtName")->setText("Ann");
+    const QString date = log->findChild<QLineEdit*>("txtDate")->text();
+    QTest::mouseClick(log->findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(w.pane().logDialog(), nullptr);
+    QFile file(w.log());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromUtf8(file.readAll()),
+              "\"" + date + "\",\"Ann\",\"" + speed + "\",\"" + w.field("txtEnergy") + "\"\r\n");
+
+    w.fixture.click("cmdBreakSpeedLog");
+    auto* list = w.pane().logDialog()->findChild<QTreeWidget*>("ListView1");
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_EQ(list->topLevelItem(0)->text(1), "Ann");
+    EXPECT_EQ(list->topLevelItem(0)->text(2), speed);
+}
+
+TEST_F(BreakSpeedPaneTest, ACaptureEndsByItsCountdownOrByEscape) {
+    QStringList counts;
+    auto* blink = w.fixture.window().findChild<QTimer*>("tmrBlink2");
+    QObject::connect(blink, &QTimer::timeout, [&] {
+        const QString status = w.fixture.text("lblBreakStatus");
+        if (status.startsWith("Mute") && (counts.isEmpty() || !status.endsWith(counts.last()))) {
+            counts << status.right(2);
+        }
+    });
+    w.fixture.click("cmdStartBreakSpeed");
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return w.fixture.text("lblBreakStatus").startsWith("Auto Peak"); }, 60000));
+    EXPECT_EQ(w.caption(), "Start Capture");
+    ASSERT_EQ(counts.size(), 60);
+    EXPECT_EQ(counts.first(), "59");
+    EXPECT_EQ(counts.last(), "00");
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"), "Auto Peak Detect - 2 peaks found");
+
+    // Escape clicks the button while a capture runs, and only then.
+    w.fixture.window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&w.fixture.window()));
+    w.fixture.click("cmdStartBreakSpeed");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return w.caption() != "Start Capture"; }, 30000));
+    QTest::keyClick(&w.fixture.window(), Qt::Key_Escape);
+    EXPECT_EQ(w.caption(), "Start Capture");
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"), "Auto Peak Detect - 2 peaks found");
+    QTest::keyClick(&w.fixture.window(), Qt::Key_Escape);
+    EXPECT_EQ(w.microphone().captures(), 2);
+    EXPECT_FALSE(w.microphone().IsCapturing());
+}
+
+TEST_F(BreakSpeedPaneTest, MarksByHandInBothViews) {
+    w.measure();
+    WaveformBox* picture1 = w.pane().picture1();
+    WaveformBox* picture2 = w.pane().picture2();
+    const QString energy = w.field("txtEnergy");
+
+    // Select a stretch around the shot: the band shows during the drag and follows right only.
+    const int from = picture1->columnAt(clickWord() - 3000);
+    const int to = picture1->columnAt(crashWord() + 3000);
+    BreakSpeedWindow::press(picture1, from);
+    QWidget* band = picture1->shape();
+    EXPECT_TRUE(band->isVisible());
+    EXPECT_EQ(picture1->cursor().shape(), Qt::CrossCursor);
+    BreakSpeedWindow::move(picture1, BreakSpeedWindow::at(picture1, to));
+    const int width = band->width();
+    EXPECT_GT(width, 1);
+    BreakSpeedWindow::move(picture1, BreakSpeedWindow::at(picture1, from - 5));
+    EXPECT_EQ(band->width(), width);
+    // The mouse can't leave the box while the button is down.
+    BreakSpeedWindow::move(picture1, QPoint(-40, picture1->height() + 50));
+    EXPECT_TRUE(picture1->rect().contains(picture1->mapFromGlobal(QCursor::pos())));
+    BreakSpeedWindow::release(picture1, to);
+    EXPECT_FALSE(band->isVisible());
+    EXPECT_EQ(picture1->cursor().shape(), Qt::ArrowCursor);
+    const double selStart = picture1->xAt(from);
+    EXPECT_NEAR(picture2->scale().width, picture1->xAt(to) - selStart, 1);
+
+    // Marks across the two sounds in Picture2 give the delta time and speed; energy stays.
+    const int clickColumn = picture2->columnAt(clickWord() - std::round(selStart));
+    const int crashColumn = picture2->columnAt(crashWord() - std::round(selStart));
+    BreakSpeedWindow::drag(picture2, clickColumn, crashColumn);
+    const double wordsPerPixel = picture2->scale().width / picture2->canvas().width();
+    EXPECT_NEAR(w.field("txtDeltaTime").toDouble(), breakspeed::DeltaTime(clickWord(), crashWord()),
+                wordsPerPixel / 88200 + 1e-4);
+    EXPECT_FALSE(w.field("txtSpeed").isEmpty());
+    EXPECT_EQ(w.field("txtEnergy"), energy);
+    EXPECT_TRUE(hasColour(picture2->canvas(), clickColumn, qRgb(255, 0, 0)));
+
+    // From right to left, or a click: the fields stay empty, the old marks are wiped.
+    BreakSpeedWindow::drag(picture2, crashColumn, clickColumn);
+    EXPECT_EQ(w.field("txtDeltaTime"), "");
+    EXPECT_EQ(w.field("txtSpeed"), "");
+    BreakSpeedWindow::drag(picture2, 5, 5);
+    EXPECT_EQ(w.field("txtDeltaTime"), "");
+    EXPECT_EQ(w.field("txtEnergy"), energy);
+}
+
+TEST_F(BreakSpeedPaneTest, DistanceThatIsNoNumberAndTheThresholdList) {
+    w.measure();
+    const QString speed = w.field("txtSpeed");
+    auto* distance = w.fixture.find<QLineEdit>("txtDistance");
+
+    // Not a number: red, and nothing computed from it.
+    distance->setText("4 8");
+    EXPECT_EQ(distance->palette().color(QPalette::Text), QColor(Qt::red));
+    EXPECT_EQ(w.field("txtSpeed"), speed);
+    distance->setText("48");
+    EXPECT_NE(distance->palette().color(QPalette::Text), QColor(Qt::red));
+    EXPECT_EQ(w.field("txtSpeed").toStdString(),
+              Format(w.field("txtSpeed").toDouble(), "#0.000")); // three decimals when edited
+
+    // The list measures the file again, from disk.
+    auto* threshold = w.fixture.find<QComboBox>("cboThreshold");
+    threshold->setFocus();
+    QTest::keyClick(threshold, Qt::Key_Down);
+    EXPECT_EQ(threshold->currentIndex(), 3);
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"), "Auto Peak Detect - 2 peaks found");
+    EXPECT_EQ(w.field("txtSpeed"), speed);
+
+    QFile::remove(w.recording());
+    QTest::keyClick(threshold, Qt::Key_Up);
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"), "No recording to analyse");
+    EXPECT_EQ(w.field("txtSpeed"), speed);
+}
+
+TEST_F(BreakSpeedPaneTest, NoSoundDeviceNoTone) {
+    const QString distance = w.field("txtDistance");
+    w.fixture.click("cmdCalTone");
+    EXPECT_EQ(w.fixture.prompts.texts(), QStringList{"Can't play tone!"});
+    EXPECT_EQ(w.fixture.prompts.shown().back().icon, ui::MessageIcon::Information);
+    EXPECT_EQ(w.field("txtDistance"), distance);
+    EXPECT_EQ(w.microphone().captures(), 0);
+}
+
+// What a person sees after a measurement: both views and the status line. Under Xvfb with
+// RAVELCUE_SCREENSHOT_DIR set, the picture is kept there.
+TEST_F(BreakSpeedPaneTest, ScreenshotAfterAMeasurement) {
+    w.measure();
+    // Marks on the two sounds, as the rule found them.
+    WaveformBox* picture2 = w.pane().picture2();
+    BreakSpeedWindow::drag(picture2, picture2->columnAt(5000),
+                           picture2->columnAt(crashWord() - clickWord() + 5000));
+    QCoreApplication::processEvents();
+    const QImage shot = w.fixture.window().grab().toImage();
+    const QRect picture1(w.pane().picture1()->mapTo(&w.fixture.window(), QPoint(0, 0)),
+                         w.pane().picture1()->size());
+    int dark = 0;
+    for (int y = picture1.top(); y <= picture1.bottom(); ++y) {
+        for (int x = picture1.left(); x <= picture1.right(); ++x) {
+            dark += qGray(shot.pixel(x, y)) < 64 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(dark, picture1.width()); // the waveform is on screen, not only in the box's memory
+    if (const QByteArray folder = qgetenv("RAVELCUE_SCREENSHOT_DIR"); !folder.isEmpty()) {
+        EXPECT_TRUE(shot.save(QString::fromLocal8Bit(folder) + "/breakspeed-pane.png"));
+    }
+}
+
+// The log on its own, over a file with entries of its own.
+class BreakSpeedLogTest : public ::testing::Test {
+protected:
+    BreakSpeedLogTest() {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("\"1/3/24\",\"Ann\",\"20\",\"8\"\r\n"
+                   "\"1/3/24\",\"Bob\",\"21\",\"9\"\r\n"
+                   "a \"note\" typed by hand\r\n"
+                   "\"2/3/24\",\"Cy\",\"22\",\"10\"\r\n"
+                   "\"2/3/24\",\"Di\",\"24\",\"11\"\r\n");
+    }
+
+    std::unique_ptr<breakspeed::BreakSpeedLogDialog> open() {
+        auto dialog = std::make_unique<breakspeed::BreakSpeedLogDialog>(nullptr, path, "27.26",
+                                                                        "12.48", prompts);
+        dialog->setAttribute(Qt::WA_DeleteOnClose, false);
+        dialog->show();
+        return dialog;
+    }
+    static void select(QTreeWidget* list, std::initializer_list<int> rows) {
+        list->clearSelection();
+        for (const int row : rows) {
+            list->topLevelItem(row)->setSelected(true);
+        }
+    }
+    QByteArray contents() {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    TempFolder folder;
+    QString path = folder.file("BreakSpeedLog.txt");
+    ScriptedPrompts prompts;
+};
+
+TEST_F(BreakSpeedLogTest, EditsReachTheFileOnlyThroughASuccessfulOK) {
+    const QByteArray before = contents();
+    auto dialog = open();
+    auto* list = dialog->findChild<QTreeWidget*>("ListView1");
+    ASSERT_EQ(list->topLevelItemCount(), 5);
+    EXPECT_EQ(list->topLevelItem(2)->text(0), "a \"note\" typed by hand");
+
+    select(list, {0, 3, 4}); // 20, 22 and 24
+    dialog->cmdCalculate_Click();
+    EXPECT_EQ(dialog->findChild<QLabel*>("lblSD")->text(), "2.00");
+    select(list, {1});
+    dialog->cmdCalculate_Click();
+    EXPECT_EQ(prompts.texts().last(),
+              "You must select 2 or more breakspeeds for calculations to be performed.");
+
+    // Rows apart from each other go, exactly those; Add empties the fields but the date.
+    select(list, {1, 3});
+    dialog->cmdDelete_Click();
+    dialog->findChild<QLineEdit*>("txtName")->setText("Ed");
+    dialog->cmdAdd_Click();
+    EXPECT_EQ(dialog->findChild<QLineEdit*>("txtBreakSpeed")->text(), "");
+    const QString date = dialog->findChild<QLineEdit*>("txtDate")->text();
+    const QString after = "\"1/3/24\",\"Ann\",\"20\",\"8\"\r\n"
+                          "a \"note\" typed by hand\r\n"
+                          "\"2/3/24\",\"Di\",\"24\",\"11\"\r\n"
+                          "\"" +
+                          date + "\",\"Ed\",\"27.26\",\"12.48\"\r\n";
+
+    // The disk fills up during the save: OK says so, stays open, and the old log stands.
+    rlimit saved{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit tiny = saved;
+    tiny.rlim_cur = 16;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &tiny), 0);
+    dialog->cmdOK_Click();
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previousHandler);
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_TRUE(prompts.texts().last().startsWith("The break speed log could not be saved"));
+    EXPECT_EQ(contents(), before);
+
+    // With room again, OK writes the whole list.
+    dialog->cmdOK_Click();
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(QString::fromUtf8(contents()), after);
+
+    // Cancel writes nothing.
+    dialog = open();
+    select(dialog->findChild<QTreeWidget*>("ListView1"), {0, 1});
+    dialog->cmdDelete_Click();
+    dialog->cmdCancel_Click();
+    EXPECT_EQ(QString::fromUtf8(contents()), after);
+}
+
+} // namespace
+} // namespace ravelcue::test

@@ -1,0 +1,91 @@
+#include "core/FileSetNames.h"
+
+#include <gtest/gtest.h>
+
+namespace ravelcue::names {
+namespace {
+
+constexpr const char* kVideos = "/home/p/.local/share/Ravelcue/Videos/";
+
+TEST(FileSetNames, MembersAreBaseNicknameAndExtension) {
+    EXPECT_EQ(memberPath(kVideos, "match1", "Cam1", captureExtension("AVI")),
+              std::string(kVideos) + "match1(Cam1).avi");
+    EXPECT_EQ(memberPath(kVideos, "break shot", "Left Rail", captureExtension("WMV")),
+              std::string(kVideos) + "break shot(Left Rail).wmv");
+    EXPECT_EQ(captureExtension("avi"), "") << "the type word is exact";
+    EXPECT_TRUE(isValidBaseName("match 1.v2"));
+    EXPECT_FALSE(isValidBaseName("match(1)"));
+    EXPECT_FALSE(isValidBaseName("a+b"));
+}
+
+TEST(FileSetNames, OverwritePatternIsWiderThanTheSet) {
+    EXPECT_TRUE(matchesCapturePattern("abcd(Cam1).wmv", "abc", ".wmv"));
+    EXPECT_TRUE(matchesCapturePattern("abc.avi", "abc", ".avi"));
+    EXPECT_TRUE(matchesCapturePattern("abc(Cam2).AVI", "abc", ".avi"));
+    EXPECT_FALSE(matchesCapturePattern("abcd(Cam1).wmv", "abc", ".avi"));
+    EXPECT_FALSE(matchesCapturePattern("xabc.avi", "abc", ".avi"));
+    EXPECT_FALSE(matchesCapturePattern("ab.avi", "abc", ".avi"));
+}
+
+TEST(FileSetNames, APickedMemberBringsBackTheWholeSet) {
+    const std::string picked = std::string(kVideos) + "match1(Cam3).avi";
+    ASSERT_TRUE(isFileSetMember(picked));
+    EXPECT_EQ(fileSetMemberOf(picked, "Cam1"), std::string(kVideos) + "match1(Cam1).avi");
+    EXPECT_EQ(fileSetMemberOf(picked, "Side Rail"), std::string(kVideos) + "match1(Side Rail).avi");
+    EXPECT_EQ(fileSetTitle(picked), "match1(****).");
+
+    // A saved copy has a "+" and opens alone, though it has a bracket.
+    EXPECT_FALSE(isFileSetMember(std::string(kVideos) + "match1(Cam1)+.avi"));
+    EXPECT_FALSE(isFileSetMember(std::string(kVideos) + "match1.avi"));
+    // A "(" in a folder ends the base there: no member can be found.
+    const std::string bracketFolder = "/data/clips (old)/match1(Cam1).avi";
+    EXPECT_EQ(fileSetMemberOf(bracketFolder, "Cam1"), "/data/clips (Cam1).avi");
+}
+
+TEST(FileSetNames, ImageSetsAreFoundByTheirStamp) {
+    const std::string still = "/d/Ravelcue/Images/match1(Cam2)-140509.jpg";
+    EXPECT_EQ(imageSetStamp(still), "140509");
+    EXPECT_EQ(imageSetMemberOf(still, "Cam4"), "/d/Ravelcue/Images/match1(Cam4)-140509.jpg");
+    EXPECT_EQ(imageSetTitle(still), "match1(****)-140509.jpg");
+    // A "-" earlier in the path takes the stamp's place.
+    EXPECT_EQ(imageSetStamp("/my-pics/a(Cam1)-120000.jpg"), "pics/a");
+    // No "-" at all: the first six characters.
+    EXPECT_EQ(imageSetStamp("/ab/c(Cam1).jpg"), "/ab/c(");
+}
+
+TEST(FileSetNames, StillNamesTakeTheStampAndTheImagesFolder) {
+    EXPECT_EQ(stillStamp(14, 5, 9), "-140509");
+    EXPECT_EQ(stillStamp(0, 0, 0), "-000000");
+    const std::string member = std::string(kVideos) + "match1(Cam2).avi";
+    EXPECT_EQ(stillImageName(member, "avi", "Cam2", "-140509"),
+              "/home/p/.local/share/Ravelcue/Images/match1(Cam2)-140509.jpg");
+    // The nickname comes from the player the still is taken from.
+    EXPECT_EQ(stillImageName(member, "avi", "Cam4", "-140509"),
+              "/home/p/.local/share/Ravelcue/Images/match1(Cam4)-140509.jpg");
+    // A still of a still keeps its folder and replaces the old stamp.
+    EXPECT_EQ(stillImageName("/i/match1(Cam2)-140509.jpg", "img", "Cam2", "-150000"),
+              "/i/match1(Cam2)-150000.jpg");
+    EXPECT_EQ(stillImageName("/i/photo.jpg", "img", "Cam1", "-150000"), "/i/photo-150000.jpg");
+    EXPECT_EQ(stillImageName("/i/photo-150000.jpg", "img", "Cam1", "-150101"),
+              "/i/photo-150000-150101.jpg");
+    // A saved copy has a bracket, so the "+" falls away with the rest of the name.
+    EXPECT_EQ(stillImageName(std::string(kVideos) + "Break(Cam1)+.avi", "avi", "Cam1", "-090000"),
+              "/home/p/.local/share/Ravelcue/Images/Break(Cam1)-090000.jpg");
+    // A video outside the videos folder gets its still beside it; other formats work alike.
+    EXPECT_EQ(stillImageName("/clips/phone.MP4", "mp4", "Cam1", "-101010"),
+              "/clips/phone-101010.jpg");
+    EXPECT_EQ(stillImageName("/clips/x.avi", "", "Cam1", "-101010"), "");
+}
+
+TEST(FileSetNames, SavedCopiesGetAPlusBesideTheirSource) {
+    EXPECT_EQ(savedVideoSource("/v/Break(Cam3).avi", "Cam1"), "/v/Break(Cam1).avi");
+    EXPECT_EQ(savedVideoSource("/v/clip.wmv", "Cam1"), "/v/clip.wmv");
+    EXPECT_EQ(savedVideoDestination("/v/Break(Cam1).avi"), "/v/Break(Cam1)+.avi");
+    EXPECT_EQ(savedVideoDestination("/v/clip.wmv"), "/v/clip+.wmv");
+    EXPECT_EQ(savedVideoDestination("/v/CLIP.AVI"), "/v/CLIP+.AVI") << "never the source itself";
+    // Saved again after reopening: the member without the "+" is read.
+    EXPECT_EQ(savedVideoSource("/v/Break(Cam1)+.avi", "Cam1"), "/v/Break(Cam1).avi");
+}
+
+} // namespace
+} // namespace ravelcue::names
