@@ -1,6 +1,7 @@
 // The housekeeping around the main features: Delete Files, the update check, help and About.
 
 #include "MainWindow.h"
+#include "breakspeed/BreakSpeedPane.h"
 #include "platform/ui/HelpWindow.h"
 #include "utilities/UtilityCommands.h"
 
@@ -22,6 +23,8 @@ void MainWindow::wireUtilities() {
             [this] { utilities_->CheckUpdate(true); });
     connect(menus_.mnuAbout, &QAction::triggered, utilities_,
             &utilities::UtilityCommands::showAbout);
+    connect(breakSpeedPane_, &breakspeed::BreakSpeedPane::helpRequested, utilities_,
+            [this](int topic) { help_->showTopic(topic); });
 }
 
 void MainWindow::runSilentUpdateCheck() {

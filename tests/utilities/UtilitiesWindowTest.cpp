@@ -104,6 +104,14 @@ TEST(UtilitiesWindow, TheHelpMenuOpensHelpTheWebSiteAndAbout) {
     EXPECT_EQ(help->source(), ui::HelpWindow::topicUrl(10));
     EXPECT_TRUE(help->toPlainText().contains("Delete Files"));
 
+    fixture.click("cmdBreakSpeed");
+    fixture.click("cmdBreakSpeedLog");
+    QWidget* log = openWindow("frmBreakSpeedLog");
+    ASSERT_NE(log, nullptr);
+    QTest::mouseClick(log->findChild<QPushButton*>("cmdHelp"), Qt::LeftButton);
+    EXPECT_EQ(help->source(), ui::HelpWindow::topicUrl(108));
+    log->close();
+
     fixture.click("mnuWebSite");
     EXPECT_EQ(fixture.desktop.opened, QList<QUrl>{QUrl(kWebUrl)});
 
