@@ -5,6 +5,7 @@
 #include "platform/media/DetachedEngine.h"
 #include "platform/settings/QSettingsStore.h"
 #include "platform/ui/Clock.h"
+#include "platform/ui/Desktop.h"
 #include "platform/ui/QtPrompts.h"
 #include "platform/ui/SingleInstance.h"
 #include "platform/ui/StatusPopup.h"
@@ -57,8 +58,9 @@ int runRavelcue(int& argc, char** argv, const RunOptions& options) {
     media::DetachedEngine engine;
     QSettingsStore store;
     const AppPaths paths{commonDataFolder(), QCoreApplication::applicationDirPath()};
+    ui::SystemDesktop desktop;
 
-    MainWindow window({store, engine, prompts, popup, clock, tones, paths});
+    MainWindow window({store, engine, prompts, popup, clock, tones, paths, desktop});
     prompts.setOwner(&window);
     QObject::connect(&single, &ui::SingleInstance::raiseRequested, &window, [&window] {
         window.showNormal();

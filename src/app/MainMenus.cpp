@@ -36,7 +36,9 @@ MainMenus MainMenus::build(QMainWindow& window) {
     m.mnuContents =
         named(m.mnHelp->addAction(QStringLiteral("Contents")), QStringLiteral("mnuContents"));
     m.mnuContents->setShortcut(QKeySequence(Qt::Key_F1));
-    m.mnuContents->setShortcutContext(Qt::ApplicationShortcut);
+    // F1 of the main window; every dialog has its own F1 for its own topic, which a shortcut
+    // for the whole application would make ambiguous.
+    m.mnuContents->setShortcutContext(Qt::WindowShortcut);
     m.mnHelp->addSeparator();
     m.mnuWebSite = named(m.mnHelp->addAction(QStringLiteral("Ravelcue Website")),
                          QStringLiteral("mnuWebSite"));

@@ -12,11 +12,13 @@
 #include "platform/media/VideoView.h"
 #include "platform/sound/SoundOutput.h"
 #include "platform/ui/CancelKey.h"
+#include "platform/ui/HelpWindow.h"
 #include "platform/ui/StatusPanels.h"
 #include "platform/ui/StatusPopup.h"
 #include "playback/PlayerPanes.h"
 #include "playback/RunEditToolFrame.h"
 #include "training/TrainingToolFrame.h"
+#include "utilities/UtilityCommands.h"
 
 #include <QAction>
 #include <QApplication>
@@ -58,6 +60,7 @@ MainWindow::MainWindow(const MainWindowServices& services, QWidget* parent)
     setCentralWidget(client_);
     buildPanes();
     wireCommands();
+    wireUtilities();
 }
 
 MainWindow::~MainWindow() = default;
@@ -241,9 +244,8 @@ void MainWindow::cmdBreakSpeed_Click() {
 
 void MainWindow::cmdDeleteFiles_Click() {
     State("DeleteFiles");
-    // The Delete Files dialog returns to "Live" when it closes; until it is part of the window
-    // there is nothing to show, so go straight back.
-    State("Live");
+    // The dialog returns to "Live" when it closes.
+    utilities_->openDeleteFiles();
 }
 
 void MainWindow::ShutDown() {

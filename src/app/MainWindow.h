@@ -5,6 +5,7 @@
 #include "core/AppState.h"
 #include "core/ModeMachine.h"
 #include "core/PaneLayout.h"
+#include "core/Version.h"
 #include "platform/media/MediaInstances.h"
 #include "platform/ui/WindowContext.h"
 
@@ -23,6 +24,8 @@ class MediaEngine;
 namespace ui {
 class CancelKey;
 class Clock;
+class Desktop;
+class HelpWindow;
 class Prompts;
 class StatusPanels;
 class StatusPopup;
@@ -49,6 +52,9 @@ class RunEditToolFrame;
 namespace markups {
 class MarkerStore;
 }
+namespace utilities {
+class UtilityCommands;
+}
 } // namespace ravelcue
 
 namespace ravelcue::app {
@@ -72,6 +78,10 @@ struct MainWindowServices {
     const ui::Clock& clock;
     ToneBus& tones;
     AppPaths paths;
+    // The user's browser, mail program and file manager.
+    ui::Desktop& desktop;
+    // The folder holding app.txt and the update package.
+    QString downloadUrl = QString::fromLatin1(kDownloadUrl);
 };
 
 // frmMain: the one window of the program. It builds every pane and wires them, switches modes
@@ -146,6 +156,9 @@ private:
     void runSilentUpdateCheck();
     void setUnitCaptions();
 
+    // Delete Files, the update check, help and About.
+    void wireUtilities();
+
     MainWindowServices services_;
     AppState state_;
     AppSettings settings_;
@@ -168,6 +181,8 @@ private:
     playback::RunEditToolFrame* runEdit_ = nullptr;
     std::unique_ptr<markups::MarkerStore> markers_;
     playback::PlaybackController* playback_ = nullptr;
+    std::unique_ptr<ui::HelpWindow> help_;
+    utilities::UtilityCommands* utilities_ = nullptr;
     QHash<QString, QObject*> controls_;
     bool stopped_ = false;
 };

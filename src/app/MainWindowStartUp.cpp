@@ -207,9 +207,4 @@ void MainWindow::askOrRunUpdateCheck() {
     }
 }
 
-void MainWindow::runSilentUpdateCheck() {
-    // The silent check reads the product's download location in the background and speaks only
-    // when a newer version exists.
-}
-
 } // namespace ravelcue::app

@@ -288,6 +288,8 @@ void BreakSpeedPane::cmdBreakSpeedLog_Click() {
             picBreakSpeed_->window(), dataFile("BreakSpeedLog.txt"),
             QString::fromStdString(context_.state.LogSpeedText),
             QString::fromStdString(context_.state.LogEnergyText), context_.prompts);
+        connect(frmBreakSpeedLog_, &BreakSpeedLogDialog::helpRequested, this,
+                &BreakSpeedPane::helpRequested);
     }
     frmBreakSpeedLog_->show();
     frmBreakSpeedLog_->raise();

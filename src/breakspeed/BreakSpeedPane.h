@@ -65,6 +65,10 @@ public:
     // Finds the peaks of the samples and shows what they give.
     void DetectPeaks();
 
+signals:
+    // The log's Help button asks for its help topic.
+    void helpRequested(int topic);
+
 private:
     void Picture1_MouseDown(double x);
     void Picture1_MouseUp(double x);

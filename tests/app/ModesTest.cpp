@@ -1,6 +1,7 @@
 #include "WindowFixture.h"
 #include "platform/media/VideoView.h"
 
+#include <QDialog>
 #include <QFrame>
 #include <QLabel>
 #include <QRadioButton>
@@ -98,8 +99,13 @@ TEST_F(Modes, BreakSpeedFromTheQuadViewShowsItsPaneWithCameraOneSelected) {
     EXPECT_FALSE(fixture.find<QRadioButton>("optCamSelect_1")->isEnabled());
 }
 
-TEST_F(Modes, DeleteFilesComesBackToLive) {
+TEST_F(Modes, DeleteFilesKeepsTheCameraViewAndComesBackToLive) {
     fixture.click("cmdDeleteFiles");
+    EXPECT_EQ(state().CurrentState, "DeleteFiles");
+    EXPECT_TRUE(shown("fmCapturetb"));
+    auto* dialog = fixture.window().findChild<QDialog*>("frmFileDelete");
+    ASSERT_NE(dialog, nullptr);
+    dialog->close();
     EXPECT_EQ(state().CurrentState, "Live");
     EXPECT_TRUE(shown("fmCapturetb"));
 }

@@ -29,8 +29,9 @@ void WindowFixture::enableCamera(int camera, const std::string& source) {
 }
 
 app::MainWindow& WindowFixture::start() {
+    const app::AppPaths paths{data.path(), program.path()};
     window_ = std::make_unique<app::MainWindow>(app::MainWindowServices{
-        store, *engine_, prompts, popup, clock, tones, {data.path(), program.path()}});
+        store, *engine_, prompts, popup, clock, tones, paths, desktop, downloadUrl});
     window_->Form_Load();
     window_->show();
     QCoreApplication::processEvents();

@@ -6,6 +6,7 @@
 #include "platform/ui/Clock.h"
 #include "platform/ui/StatusPopup.h"
 #include "support/QtPrinters.h"
+#include "support/RecordingDesktop.h"
 #include "support/RecordingEngine.h"
 #include "support/ScriptedPrompts.h"
 #include "support/TempFolder.h"
@@ -54,6 +55,10 @@ public:
     ToneBus tones;
     TempFolder data;
     TempFolder program;
+    RecordingDesktop desktop;
+    // Where the update check reads app.txt. Empty, the read fails at once without touching the
+    // network; tests of the check set a local server's address.
+    QString downloadUrl;
 
 private:
     media::MediaEngine* engine_;
