@@ -1,9 +1,9 @@
 #include "OverlayLayer.h"
 
+#include <algorithm>
+
 #include <QFont>
 #include <QPainter>
-
-#include <algorithm>
 
 namespace ravelcue::media {
 
@@ -26,8 +26,9 @@ QFont fontFor(const TextOverlay& text, int pictureHeight) {
 } // namespace
 
 QImage maskBlack(const QImage& source) {
-    QImage rgb = source.format() == QImage::Format_RGB32 ? source
-                                                         : source.convertToFormat(QImage::Format_RGB32);
+    QImage rgb = source.format() == QImage::Format_RGB32
+                     ? source
+                     : source.convertToFormat(QImage::Format_RGB32);
     QImage out(rgb.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < rgb.height(); ++y) {
         const auto* in = reinterpret_cast<const QRgb*>(rgb.constScanLine(y));
@@ -80,8 +81,9 @@ const QImage& OverlayLayer::composed(QSize pictureSize) const {
     if (!pictureSize.isEmpty()) {
         QPainter painter(&composed_);
         if (!bitmap_.isNull()) {
-            const QImage masked = maskBlack(bitmap_);
-            painter.drawImage(QRect(QPoint(0, 0), pictureSize), masked);
+            // Marker coordinates are picture pixels: the bitmap lies on the picture pixel for
+            // pixel from the top left corner, never stretched, whatever its size.
+            painter.drawImage(QPoint(0, 0), maskBlack(bitmap_));
         }
         painter.setRenderHint(QPainter::TextAntialiasing);
         for (const TextOverlay& text : texts_) {

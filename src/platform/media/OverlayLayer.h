@@ -1,11 +1,11 @@
 #pragma once
 
+#include <array>
+
 #include <QColor>
 #include <QImage>
 #include <QSize>
 #include <QString>
-
-#include <array>
 
 class QPainter;
 
@@ -21,9 +21,10 @@ struct TextOverlay {
     QColor color = Qt::white;
 };
 
-// What lies over a picture: the shape bitmap (black lets the picture through) and numbered text
-// slots. The same layer is painted on screen and burnt into saved frames, so that what the user
-// sees is what is saved. Not thread-safe; copy it to hand it to another thread.
+// What lies over a picture: the shape bitmap (black lets the picture through; it lies on the
+// picture pixel for pixel from the top left corner) and numbered text slots. The same layer is
+// painted on screen and burnt into saved frames, so that what the user sees is what is saved. Not
+// thread-safe; copy it to hand it to another thread.
 class OverlayLayer {
 public:
     static constexpr int kTextSlots = 40;

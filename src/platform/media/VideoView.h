@@ -2,12 +2,12 @@
 
 #include "OverlayLayer.h"
 
+#include <atomic>
+
 #include <QImage>
 #include <QMutex>
 #include <QRect>
 #include <QWidget>
-
-#include <atomic>
 
 namespace ravelcue::media {
 
@@ -39,6 +39,8 @@ public:
 
     // Where the picture is drawn inside the control.
     QRect pictureRect() const;
+    // The part of a picture of that size that is on show, zoom region applied.
+    QRect shownRegion(QSize picture) const;
     // The frame as shown, overlays burnt in, at picture size.
     QImage composedFrame() const;
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "FfmpegPtr.h"
+
+#include <QImage>
+
+namespace ravelcue::media::ffmpeg {
+
+// Turns decoded pictures into RGB32 images, honouring the frame's colour matrix and range and
+// turning the picture upright. Keeps its scaler between calls; one thread at a time.
+class FrameConverter {
+public:
+    explicit FrameConverter(int rotationDegrees = 0)
+        : rotation_(rotationDegrees) {}
+
+    QImage toImage(const AVFrame& frame);
+
+private:
+    SwsPtr scaler_;
+    int rotation_ = 0;
+};
+
+// Tells the scaler which colour matrix and range the frame uses, and that RGB is full range.
+void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb);
+
+} // namespace ravelcue::media::ffmpeg
