@@ -8,9 +8,9 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
-#include <QString>
-
 #include <memory>
+
+#include <QString>
 
 // Owning pointers for FFmpeg's objects, so that no error path leaks one.
 namespace ravelcue::media::ffmpeg {
@@ -54,8 +54,12 @@ using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 using SwsPtr = std::unique_ptr<SwsContext, SwsDeleter>;
 using SwrPtr = std::unique_ptr<SwrContext, SwrDeleter>;
 
-inline FramePtr makeFrame() { return FramePtr(av_frame_alloc()); }
-inline PacketPtr makePacket() { return PacketPtr(av_packet_alloc()); }
+inline FramePtr makeFrame() {
+    return FramePtr(av_frame_alloc());
+}
+inline PacketPtr makePacket() {
+    return PacketPtr(av_packet_alloc());
+}
 
 // FFmpeg's text for an error code.
 inline QString errorText(int code) {

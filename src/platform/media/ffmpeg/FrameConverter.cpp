@@ -21,6 +21,23 @@ bool isFullRange(const AVFrame& frame) {
 
 } // namespace
 
+AVPixelFormat withoutRangeFlag(AVPixelFormat format) {
+    switch (format) {
+    case AV_PIX_FMT_YUVJ420P:
+        return AV_PIX_FMT_YUV420P;
+    case AV_PIX_FMT_YUVJ422P:
+        return AV_PIX_FMT_YUV422P;
+    case AV_PIX_FMT_YUVJ444P:
+        return AV_PIX_FMT_YUV444P;
+    case AV_PIX_FMT_YUVJ440P:
+        return AV_PIX_FMT_YUV440P;
+    case AV_PIX_FMT_YUVJ411P:
+        return AV_PIX_FMT_YUV411P;
+    default:
+        return format;
+    }
+}
+
 void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb) {
     int* inverseTable = nullptr;
     int* table = nullptr;
@@ -47,9 +64,10 @@ QImage FrameConverter::toImage(const AVFrame& frame) {
     if (frame.width <= 0 || frame.height <= 0) {
         return {};
     }
-    scaler_.reset(sws_getCachedContext(
-        scaler_.release(), frame.width, frame.height, static_cast<AVPixelFormat>(frame.format),
-        frame.width, frame.height, AV_PIX_FMT_RGB32, SWS_BICUBIC, nullptr, nullptr, nullptr));
+    scaler_.reset(sws_getCachedContext(scaler_.release(), frame.width, frame.height,
+                                       withoutRangeFlag(static_cast<AVPixelFormat>(frame.format)),
+                                       frame.width, frame.height, AV_PIX_FMT_RGB32, SWS_BICUBIC,
+                                       nullptr, nullptr, nullptr));
     if (!scaler_) {
         return {};
     }

@@ -59,6 +59,9 @@ void PlayerWorker::seek(std::int64_t frame) {
 void PlayerWorker::play() {
     {
         std::lock_guard lock(mutex_);
+        if (!command_.playing) {
+            command_.playRequestedAt = clock_->now();
+        }
         command_.playing = true;
     }
     wake_.notify_all();
@@ -76,6 +79,7 @@ void PlayerWorker::setRate(double rate) {
     {
         std::lock_guard lock(mutex_);
         command_.rate = rate;
+        command_.rateChangedAt = clock_->now();
     }
     wake_.notify_all();
 }
@@ -161,9 +165,14 @@ void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
     if (!pacing_) {
         pacing_ = true;
         endSent_ = false;
-        anchorAt(index_->timeMs(onShow_), rate);
+        anchorMs_ = index_->timeMs(onShow_);
+        anchorRate_ = rate;
+        anchorTime_ = command_.playRequestedAt;
     } else if (rate != anchorRate_) {
-        anchorAt(anchorMs_ + toMs(clock_->now() - anchorTime_) * anchorRate_, rate);
+        const auto changedAt = std::max(anchorTime_, command_.rateChangedAt);
+        anchorMs_ += toMs(changedAt - anchorTime_) * anchorRate_;
+        anchorRate_ = rate;
+        anchorTime_ = changedAt;
     }
     if (endSent_) {
         reachEnd(lock);
@@ -185,10 +194,6 @@ void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
 
     const std::int64_t due = index_->frameAt(dueMs);
     if (due > onShow_) {
-        if (now < lastPresented_ + kMinPresentInterval) {
-            clock_->waitUntil(lock, wake_, lastPresented_ + kMinPresentInterval);
-            return;
-        }
         lock.unlock();
         const std::int64_t shown = show(due);
         lock.lock();
@@ -198,7 +203,14 @@ void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
         }
         return;
     }
-    const double nextMs = onShow_ < last ? index_->timeMs(onShow_ + 1) : index_->durationMs();
+    // Sleep until the next frame worth showing is due: the next one, or at high rates the first
+    // that lies a screen refresh later, so the frames between are never converted.
+    const double soonestMs = index_->timeMs(onShow_) + toMs(kMinPresentInterval) * anchorRate_;
+    std::int64_t next = std::max(onShow_ + 1, index_->frameAt(soonestMs));
+    if (next <= last && index_->timeMs(next) < soonestMs) {
+        ++next;
+    }
+    const double nextMs = next <= last ? index_->timeMs(next) : index_->durationMs();
     clock_->waitUntil(lock, wake_, anchorTime_ + fromMs((nextMs - anchorMs_) / anchorRate_));
 }
 
@@ -230,7 +242,6 @@ std::int64_t PlayerWorker::show(std::int64_t target) {
         return std::max<std::int64_t>(0, onShow_);
     }
     const QImage picture = converter_.toImage(*decoded->frame);
-    lastPresented_ = clock_->now();
     if (callbacks_.framePresented) {
         callbacks_.framePresented(picture, decoded->number);
     }

@@ -56,6 +56,9 @@ private:
         bool playing = false;
         double rate = 1.0;
         bool quit = false;
+        // When the call came, so that pacing does not depend on when the worker woke.
+        PlaybackClock::Duration playRequestedAt{};
+        PlaybackClock::Duration rateChangedAt{};
     };
 
     void run();
@@ -89,7 +92,6 @@ private:
     double anchorMs_ = 0;
     double anchorRate_ = 1.0;
     PlaybackClock::Duration anchorTime_{};
-    PlaybackClock::Duration lastPresented_{};
 
     std::jthread thread_; // last: starts when everything above is ready
 };
