@@ -3,9 +3,9 @@
 #include "../MediaError.h"
 #include "FfmpegPtr.h"
 
-#include <QString>
-
 #include <memory>
+
+#include <QString>
 
 namespace ravelcue::media::ffmpeg {
 
@@ -40,6 +40,8 @@ public:
     // Drains the encoder and writes the trailer.
     virtual MediaError finish() = 0;
     virtual std::int64_t framesWritten() const = 0;
+    // Bytes handed to the file so far; 0 once finished.
+    virtual std::int64_t bytesWritten() const = 0;
 };
 
 } // namespace ravelcue::media::ffmpeg

@@ -1,0 +1,99 @@
+#include "Ffprobe.h"
+
+#include <cstring>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+namespace ravelcue::test {
+
+VideoProbe probeVideo(const QString& path) {
+    QProcess ffprobe;
+    ffprobe.start(QStringLiteral("ffprobe"),
+                  {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+                   QStringLiteral("v:0"), QStringLiteral("-count_frames"),
+                   QStringLiteral("-show_entries"),
+                   QStringLiteral("stream=codec_name,width,height,nb_read_frames,avg_frame_rate:"
+                                  "format=format_name,duration"),
+                   QStringLiteral("-of"), QStringLiteral("json"), path});
+    VideoProbe probe;
+    if (!ffprobe.waitForFinished(-1) || ffprobe.exitCode() != 0) {
+        return probe;
+    }
+    const QJsonObject root = QJsonDocument::fromJson(ffprobe.readAllStandardOutput()).object();
+    const QJsonArray streams = root.value(QStringLiteral("streams")).toArray();
+    if (streams.isEmpty()) {
+        return probe;
+    }
+    const QJsonObject stream = streams.first().toObject();
+    const QJsonObject format = root.value(QStringLiteral("format")).toObject();
+    probe.formatName = format.value(QStringLiteral("format_name")).toString();
+    probe.durationSeconds = format.value(QStringLiteral("duration")).toString().toDouble();
+    probe.codecName = stream.value(QStringLiteral("codec_name")).toString();
+    probe.width = stream.value(QStringLiteral("width")).toInt();
+    probe.height = stream.value(QStringLiteral("height")).toInt();
+    probe.frameCount = stream.value(QStringLiteral("nb_read_frames")).toString().toInt();
+    const QStringList rate =
+        stream.value(QStringLiteral("avg_frame_rate")).toString().split(QLatin1Char('/'));
+    if (rate.size() == 2 && rate[1].toDouble() != 0) {
+        probe.frameRate = rate[0].toDouble() / rate[1].toDouble();
+    }
+    probe.ok = true;
+    return probe;
+}
+
+bool forEachFrame(const QString& path, const std::function<void(int index, const QImage&)>& visit) {
+    const VideoProbe probe = probeVideo(path);
+    if (!probe.ok || probe.width <= 0 || probe.height <= 0) {
+        return false;
+    }
+    QProcess ffmpeg;
+    // passthrough: one picture out for each frame in the file, whatever the timestamps say.
+    ffmpeg.start(QStringLiteral("ffmpeg"),
+                 {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), path,
+                  QStringLiteral("-map"), QStringLiteral("0:v:0"), QStringLiteral("-fps_mode"),
+                  QStringLiteral("passthrough"), QStringLiteral("-f"), QStringLiteral("rawvideo"),
+                  QStringLiteral("-pix_fmt"), QStringLiteral("rgb24"), QStringLiteral("-")});
+    const qsizetype frameBytes = qsizetype(probe.width) * probe.height * 3;
+    QByteArray pending;
+    int index = 0;
+    auto deliver = [&] {
+        while (pending.size() >= frameBytes) {
+            QImage image(probe.width, probe.height, QImage::Format_RGB888);
+            for (int y = 0; y < probe.height; ++y) {
+                std::memcpy(image.scanLine(y), pending.constData() + qsizetype(y) * probe.width * 3,
+                            size_t(probe.width) * 3);
+            }
+            pending.remove(0, frameBytes);
+            visit(index++, image);
+        }
+    };
+    while (ffmpeg.state() != QProcess::NotRunning || ffmpeg.bytesAvailable() > 0) {
+        ffmpeg.waitForReadyRead(1000);
+        pending += ffmpeg.readAllStandardOutput();
+        deliver();
+        if (ffmpeg.state() == QProcess::NotRunning && ffmpeg.bytesAvailable() == 0) {
+            break;
+        }
+    }
+    ffmpeg.waitForFinished(-1);
+    pending += ffmpeg.readAllStandardOutput();
+    deliver();
+    return ffmpeg.exitStatus() == QProcess::NormalExit && ffmpeg.exitCode() == 0 &&
+           pending.isEmpty();
+}
+
+int runProgram(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.start(program, arguments);
+    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit) {
+        return -1;
+    }
+    return process.exitCode();
+}
+
+} // namespace ravelcue::test

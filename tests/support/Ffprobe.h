@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+
+#include <QImage>
+#include <QString>
+
+namespace ravelcue::test {
+
+// What ffprobe says of a file's first video stream, frames counted by decoding them all.
+struct VideoProbe {
+    bool ok = false;
+    QString formatName; // "avi", "asf", "matroska,webm", ...
+    QString codecName;  // "mjpeg", "h264", ...
+    int width = 0;
+    int height = 0;
+    int frameCount = 0;
+    double frameRate = 0;       // the stream's average rate
+    double durationSeconds = 0; // of the container
+};
+
+VideoProbe probeVideo(const QString& path);
+
+// Decodes every frame of the first video stream with the ffmpeg command line, in file order,
+// none added or left out, and hands each to visit as RGB888. False when ffmpeg failed.
+bool forEachFrame(const QString& path, const std::function<void(int index, const QImage&)>& visit);
+
+// Runs a program and returns its exit code (-1 when it could not start); output is discarded.
+int runProgram(const QString& program, const QStringList& arguments);
+
+} // namespace ravelcue::test
