@@ -3,6 +3,7 @@
 #include <array>
 
 #include <QColor>
+#include <QFont>
 #include <QImage>
 #include <QSize>
 #include <QString>
@@ -48,6 +49,8 @@ public:
     // Text pixel height on a picture of the given height: point sizes are meant for a picture
     // 480 lines high and grow with taller pictures, so notes stay legible on HD video.
     static int textPixelSize(int pointSize, int pictureHeight);
+    // The font a text slot is drawn with on a picture of the given height.
+    static QFont textFont(const TextOverlay& text, int pictureHeight);
 
 private:
     QImage bitmap_;

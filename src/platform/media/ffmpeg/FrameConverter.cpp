@@ -1,42 +1,10 @@
 #include "FrameConverter.h"
 
+#include "ImageFrames.h"
+
 #include <QTransform>
 
 namespace ravelcue::media::ffmpeg {
-
-namespace {
-
-bool isFullRange(const AVFrame& frame) {
-    switch (frame.format) {
-    case AV_PIX_FMT_YUVJ420P:
-    case AV_PIX_FMT_YUVJ422P:
-    case AV_PIX_FMT_YUVJ444P:
-    case AV_PIX_FMT_YUVJ440P:
-    case AV_PIX_FMT_YUVJ411P:
-        return true;
-    default:
-        return frame.color_range == AVCOL_RANGE_JPEG;
-    }
-}
-
-} // namespace
-
-AVPixelFormat withoutRangeFlag(AVPixelFormat format) {
-    switch (format) {
-    case AV_PIX_FMT_YUVJ420P:
-        return AV_PIX_FMT_YUV420P;
-    case AV_PIX_FMT_YUVJ422P:
-        return AV_PIX_FMT_YUV422P;
-    case AV_PIX_FMT_YUVJ444P:
-        return AV_PIX_FMT_YUV444P;
-    case AV_PIX_FMT_YUVJ440P:
-        return AV_PIX_FMT_YUV440P;
-    case AV_PIX_FMT_YUVJ411P:
-        return AV_PIX_FMT_YUV411P;
-    default:
-        return format;
-    }
-}
 
 void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb) {
     int* inverseTable = nullptr;
@@ -50,12 +18,14 @@ void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb) {
                                  &brightness, &contrast, &saturation) < 0) {
         return; // the scaler treats this pair of formats as RGB to RGB
     }
+    bool fullRange = false;
+    plainFormat(static_cast<AVPixelFormat>(frame.format), frame.color_range, fullRange);
     const int* coefficients = sws_getCoefficients(frame.colorspace);
     if (toRgb) {
-        sws_setColorspaceDetails(&scaler, coefficients, isFullRange(frame) ? 1 : 0, table, 1,
-                                 brightness, contrast, saturation);
+        sws_setColorspaceDetails(&scaler, coefficients, fullRange ? 1 : 0, table, 1, brightness,
+                                 contrast, saturation);
     } else {
-        sws_setColorspaceDetails(&scaler, inverseTable, 1, coefficients, isFullRange(frame) ? 1 : 0,
+        sws_setColorspaceDetails(&scaler, inverseTable, 1, coefficients, fullRange ? 1 : 0,
                                  brightness, contrast, saturation);
     }
 }
@@ -64,10 +34,11 @@ QImage FrameConverter::toImage(const AVFrame& frame) {
     if (frame.width <= 0 || frame.height <= 0) {
         return {};
     }
-    scaler_.reset(sws_getCachedContext(scaler_.release(), frame.width, frame.height,
-                                       withoutRangeFlag(static_cast<AVPixelFormat>(frame.format)),
-                                       frame.width, frame.height, AV_PIX_FMT_RGB32, SWS_BICUBIC,
-                                       nullptr, nullptr, nullptr));
+    bool fullRange = false;
+    scaler_.reset(sws_getCachedContext(
+        scaler_.release(), frame.width, frame.height,
+        plainFormat(static_cast<AVPixelFormat>(frame.format), frame.color_range, fullRange),
+        frame.width, frame.height, AV_PIX_FMT_RGB32, SWS_BICUBIC, nullptr, nullptr, nullptr));
     if (!scaler_) {
         return {};
     }

@@ -20,10 +20,6 @@ private:
     int rotation_ = 0;
 };
 
-// The same layout without the old full-range flag (yuvj420p is yuv420p in full range); the
-// range goes to the scaler through applyColourDetails instead.
-AVPixelFormat withoutRangeFlag(AVPixelFormat format);
-
 // Tells the scaler which colour matrix and range the frame uses, and that RGB is full range.
 void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb);
 
