@@ -41,6 +41,7 @@ MediaError FfmpegPlayer::PlayerOpen(const QString& path) {
     pictureSize_ = sideways ? QSize(source->height(), source->width())
                             : QSize(source->width(), source->height());
     rate_ = 1.0;
+    framesPresented_ = 0;
     PlayerWorker::Callbacks callbacks;
     callbacks.framePresented = [this](const QImage& picture, std::int64_t frame) {
         present(picture, frame);
@@ -191,6 +192,7 @@ void FfmpegPlayer::present(const QImage& picture, std::int64_t) {
         QMutexLocker lock(&shownMutex_);
         shown_ = picture;
     }
+    ++framesPresented_;
     if (!deliveryPending_.exchange(true)) {
         QMetaObject::invokeMethod(
             this, [this] { deliverToView(); }, Qt::QueuedConnection);

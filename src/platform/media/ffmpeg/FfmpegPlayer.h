@@ -63,6 +63,8 @@ public:
     // The picture on show, without overlays; thread-safe.
     QImage pictureOnShow() const;
     double PlayerGetRate() const { return rate_; }
+    // Pictures handed to the view since the file was opened; thread-safe.
+    std::int64_t framesPresented() const { return framesPresented_; }
 
 private:
     void present(const QImage& picture, std::int64_t frame); // worker thread
@@ -80,6 +82,7 @@ private:
     mutable QMutex shownMutex_;
     QImage shown_;
     std::atomic<bool> deliveryPending_{false};
+    std::atomic<std::int64_t> framesPresented_{0};
 };
 
 } // namespace ravelcue::media::ffmpeg
