@@ -107,6 +107,28 @@ std::vector<double> frameTimesMs(const QString& path) {
     return times;
 }
 
+double soundSeconds(const QString& path) {
+    bool ok = false;
+    const QByteArray out = runTool(QStringLiteral("ffprobe"),
+                                   {"-v", "error", "-select_streams", "a:0", "-show_entries",
+                                    "packet=pts_time,duration_time", "-of", "csv=p=0", path},
+                                   &ok);
+    double first = -1;
+    double end = 0;
+    for (const QByteArray& line : out.split('\n')) {
+        const QList<QByteArray> fields = line.trimmed().split(',');
+        if (fields.size() < 2) {
+            continue;
+        }
+        const double pts = fields[0].toDouble();
+        if (first < 0) {
+            first = pts;
+        }
+        end = std::max(end, pts + fields[1].toDouble());
+    }
+    return first < 0 ? 0.0 : end - first;
+}
+
 double meanDifference(const QImage& a, const QImage& b) {
     if (a.size() != b.size() || a.isNull()) {
         return 1000.0;

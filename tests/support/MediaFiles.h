@@ -22,6 +22,10 @@ int countFrames(const QString& path);
 // Presentation times in milliseconds of every frame ffprobe decodes, in order.
 std::vector<double> frameTimesMs(const QString& path);
 
+// Seconds of sound in the file's first audio stream, from its first packet to the end of its
+// last; 0 when it has none.
+double soundSeconds(const QString& path);
+
 // Mean absolute difference of the colour channels over the whole picture (0..255); a large
 // number when the sizes differ.
 double meanDifference(const QImage& a, const QImage& b);

@@ -128,16 +128,20 @@ TEST_F(RecompressTest, WholeFileAndCodecChoice) {
     ASSERT_TRUE(runJob(recompress, source, whole, 0, 0).ok());
     EXPECT_EQ(probeVideo(whole).frameCount, 50);
 
+    // A phone's HEVC with sound: H.264 out, and the sound of the span (1 s to the end) along.
     const QString hevc = folder.file(QStringLiteral("in/phone.mov"));
-    ASSERT_TRUE(makeVideo(
-        hevc, QStringLiteral("testsrc2=size=320x180:rate=25:duration=1"),
-        {"-c:v", "libx265", "-x265-params", "log-level=error:bframes=3", "-pix_fmt", "yuv420p"}));
+    ASSERT_TRUE(
+        runFfmpeg({"-f", "lavfi", "-i", "testsrc2=size=320x180:rate=25:duration=2", "-f", "lavfi",
+                   "-i", "sine=frequency=440:duration=2", "-c:v", "libx265", "-x265-params",
+                   "log-level=error:bframes=3", "-pix_fmt", "yuv420p", "-c:a", "aac", hevc}));
     const QString converted = folder.file(QStringLiteral("out/phone+.mov"));
-    ASSERT_TRUE(runJob(recompress, hevc, converted, 0, 0).ok());
+    ASSERT_TRUE(runJob(recompress, hevc, converted, 1000, 0).ok());
     const VideoProbe probe = probeVideo(converted);
     EXPECT_EQ(probe.codecName, QStringLiteral("h264"));
     EXPECT_EQ(probe.frameCount, 25);
     EXPECT_TRUE(isRed(extractFrame(converted, 12).pixel(47, 47)));
+    EXPECT_NEAR(soundSeconds(converted), 1.0, 0.1);
+    EXPECT_EQ(filesIn(folder.file("out")), (QStringList{"phone+.mov", "whole+.avi"}));
 }
 
 // Failures end with an error and leave no file under the destination name, nor a temporary one.

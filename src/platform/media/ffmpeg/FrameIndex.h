@@ -48,6 +48,8 @@ public:
     double durationMs() const;
     // The keyframe from which decoding reaches the frame: the last keyframe at or before it.
     std::int64_t keyframeAtOrBefore(std::int64_t frame) const;
+    // True when every frame starts a group of pictures of its own (MJPEG, stills).
+    bool everyFrameIsKeyframe() const { return keyframes_.size() == stamps_.size(); }
     // The keyframe before the given one, for a seek that landed too late; -1 when none.
     std::int64_t keyframeBefore(std::int64_t keyframe) const;
     AVRational timeBase() const { return timeBase_; }

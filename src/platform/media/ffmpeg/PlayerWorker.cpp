@@ -123,18 +123,19 @@ void PlayerWorker::run() {
 void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
     const std::int64_t target = command_.seekFrame;
     const std::uint64_t request = command_.seekRequest;
-    // The frame on show asked for again is only a call to repaint, which the view does itself.
+    // The frame on show asked for again is only a call to repaint, which the view does itself;
+    // playback must not lose its pace over it (it comes with every mouse move of a drawing).
     if (target != onShow_) {
         lock.unlock();
         const std::int64_t shown = show(target);
         lock.lock();
         onShow_ = shown;
+        endSent_ = false;
+        if (pacing_) {
+            anchorAt(index_->timeMs(onShow_), anchorRate_);
+        }
     }
     seekServed_ = request;
-    endSent_ = false;
-    if (pacing_) {
-        anchorAt(index_->timeMs(onShow_), anchorRate_);
-    }
     settled_.notify_all();
 }
 

@@ -3,6 +3,7 @@
 #include "FrameConverter.h"
 #include "ImageFrames.h"
 #include "OverlayBurner.h"
+#include "SoundtrackCopy.h"
 #include "VideoFileWriter.h"
 #include "VideoSource.h"
 
@@ -228,11 +229,12 @@ MediaError encodeSpan(VideoSource& source, const Span& span, const OverlayLayer&
 
 } // namespace
 
-QString temporaryNameFor(const QString& destination) {
+QString temporaryNameFor(const QString& destination, const QString& stage) {
     const QFileInfo info(destination);
-    // The extension stays last: it picks the container.
-    return info.dir().filePath(
-        QStringLiteral(".%1.partial.%2").arg(info.completeBaseName(), info.suffix()));
+    // Hidden, and the extension stays last: it picks the container.
+    return info.dir().filePath(QStringLiteral(".%1.partial%2.%3")
+                                   .arg(info.completeBaseName(),
+                                        stage.isEmpty() ? QString() : u'-' + stage, info.suffix()));
 }
 
 MediaError recompressVideo(const RecompressRequest& request, const OverlayLayer& overlay,
@@ -243,12 +245,28 @@ MediaError recompressVideo(const RecompressRequest& request, const OverlayLayer&
     if (!source) {
         return error;
     }
-    const QString temporary = temporaryNameFor(request.destination);
-    error = encodeSpan(*source, spanOf(*source->index(), request.startMs, request.endMs), overlay,
-                       temporary, cancelled, progress);
+    const FrameIndex& index = *source->index();
+    const Span span = spanOf(index, request.startMs, request.endMs);
+    const QString videoOnly = temporaryNameFor(request.destination);
+    const QString withSound = temporaryNameFor(request.destination, QStringLiteral("sound"));
+    error = encodeSpan(*source, span, overlay, videoOnly, cancelled, progress);
+    QString complete = videoOnly;
+    if (!error) {
+        // The sound of the span is copied as it is, beside the new pictures.
+        const double timeBase = av_q2d(index.timeBase());
+        const double startSeconds = static_cast<double>(index.stamp(span.first)) * timeBase;
+        const double endSeconds = static_cast<double>(index.stamp(span.last)) * timeBase +
+                                  1.0 / av_q2d(source->frameRate());
+        bool soundAdded = false;
+        error = copySoundtrack(videoOnly, request.source, startSeconds, endSeconds, withSound,
+                               soundAdded);
+        if (soundAdded) {
+            complete = withSound;
+        }
+    }
     if (!error) {
         std::error_code renameError;
-        std::filesystem::rename(std::filesystem::path(temporary.toStdU16String()),
+        std::filesystem::rename(std::filesystem::path(complete.toStdU16String()),
                                 std::filesystem::path(request.destination.toStdU16String()),
                                 renameError);
         if (renameError) {
@@ -257,9 +275,8 @@ MediaError recompressVideo(const RecompressRequest& request, const OverlayLayer&
                          .arg(request.destination, QString::fromStdString(renameError.message()))};
         }
     }
-    if (error) {
-        QFile::remove(temporary);
-    }
+    QFile::remove(videoOnly);
+    QFile::remove(withSound);
     return error;
 }
 

@@ -18,7 +18,8 @@ struct RecompressRequest {
 };
 
 // Writes the frames of the span, every one and no other, into a new file with the overlay burnt
-// in: the source's codec when Ravelcue encodes it, H.264 otherwise. Decoding and burning run on
+// in: the source's codec when Ravelcue encodes it, H.264 otherwise; the sound of the span is
+// copied along when the container holds it. Decoding and burning run on
 // the calling thread, encoding on a second one. The file is written under a temporary name
 // beside the destination and renamed only when complete, so a failure or a cancel leaves
 // nothing under the destination name. progress gets 0..100 as frames are written.
@@ -26,7 +27,7 @@ MediaError recompressVideo(const RecompressRequest& request, const OverlayLayer&
                            const std::atomic<bool>& cancelled,
                            const std::function<void(int percent)>& progress);
 
-// The name the file is written under until it is complete.
-QString temporaryNameFor(const QString& destination);
+// A name the file is written under until it is complete: hidden, beside the destination.
+QString temporaryNameFor(const QString& destination, const QString& stage = QString());
 
 } // namespace ravelcue::media::ffmpeg

@@ -123,7 +123,10 @@ MediaError VideoSource::openDecoder() {
     if (result >= 0) {
         codec_->pkt_timebase = stream_->time_base;
         codec_->thread_count = 0;
-        codec_->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+        // Frame threads hold back each picture until more are under way: worth it for the long
+        // groups of pictures of H.264, a loss where any frame decodes alone (MJPEG).
+        codec_->thread_type =
+            index_->everyFrameIsKeyframe() ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
         result = avcodec_open2(codec_.get(), decoder, nullptr);
     }
     if (result < 0) {
