@@ -138,4 +138,26 @@ TEST(PlayerPlayback, DamagedFilesOpenWithAnErrorOrPlayWhatTheyHold) {
     EXPECT_FALSE(player.pictureOnShow().isNull());
 }
 
+// Still pictures open as one frame that never ends.
+TEST(PlayerPlayback, StillsOpenAsOneFrameThatNeverEnds) {
+    TempFolder folder;
+    FfmpegPlayer player;
+    QSignalSpy ends(&player, &FfmpegPlayer::PlayerEnd);
+    for (const char* name : {"photo.jpg", "photo.png", "photo.bmp"}) {
+        SCOPED_TRACE(name);
+        const QString path = folder.file(QString::fromLatin1(name));
+        ASSERT_TRUE(makeVideo(path, "testsrc2=size=200x150", {"-frames:v", "1"}));
+        const auto opened = player.PlayerOpen(path);
+        ASSERT_TRUE(opened.ok()) << opened.text.toStdString();
+        EXPECT_EQ(player.PlayerGetFrameCount(), 1);
+        EXPECT_EQ(player.PlayerGetSize(), QSize(200, 150));
+        player.PlayerPlay();
+        player.PlayerStop();
+        ASSERT_TRUE(player.waitForFrame());
+        EXPECT_LT(meanDifference(player.pictureOnShow(), extractFrame(path, 0)), 3.0);
+    }
+    QTest::qWait(50);
+    EXPECT_EQ(ends.count(), 0);
+}
+
 } // namespace

@@ -2,11 +2,21 @@
 
 #include "ImageFrames.h"
 
+extern "C" {
+#include <libavutil/mem.h>
+#include <libavutil/pixdesc.h>
+}
+
 #include <QTransform>
 
 namespace ravelcue::media::ffmpeg {
 
 void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb) {
+    const AVPixFmtDescriptor* desc = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    if (desc == nullptr || (desc->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) ||
+        desc->nb_components < 3) {
+        return; // no colour matrix between RGB, palette or grey pictures and RGB
+    }
     int* inverseTable = nullptr;
     int* table = nullptr;
     int sourceRange = 0;
@@ -30,6 +40,17 @@ void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb) {
     }
 }
 
+QImage scalerSafeImage(QSize size) {
+    constexpr int kSlack = 64; // bytes: 16 pixels
+    const int stride = (size.width() * 4 + kSlack - 1) / kSlack * kSlack + kSlack;
+    auto* data =
+        static_cast<uchar*>(av_malloc(static_cast<size_t>(stride) * size.height() + kSlack));
+    if (data == nullptr) {
+        return {};
+    }
+    return QImage(data, size.width(), size.height(), stride, QImage::Format_RGB32, av_free, data);
+}
+
 QImage FrameConverter::toImage(const AVFrame& frame) {
     if (frame.width <= 0 || frame.height <= 0) {
         return {};
@@ -43,7 +64,10 @@ QImage FrameConverter::toImage(const AVFrame& frame) {
         return {};
     }
     applyColourDetails(*scaler_, frame, true);
-    QImage image(frame.width, frame.height, QImage::Format_RGB32);
+    QImage image = scalerSafeImage(QSize(frame.width, frame.height));
+    if (image.isNull()) {
+        return {};
+    }
     uint8_t* destination[4] = {image.bits(), nullptr, nullptr, nullptr};
     const int destinationStride[4] = {static_cast<int>(image.bytesPerLine()), 0, 0, 0};
     sws_scale(scaler_.get(), frame.data, frame.linesize, 0, frame.height, destination,

@@ -20,6 +20,11 @@ private:
     int rotation_ = 0;
 };
 
+// An RGB32 image whose rows have room to spare at their ends: the scaler's vector code writes
+// whole blocks of pixels and runs past the last pixel of a row whose width is not a multiple of
+// the block.
+QImage scalerSafeImage(QSize size);
+
 // Tells the scaler which colour matrix and range the frame uses, and that RGB is full range.
 void applyColourDetails(SwsContext& scaler, const AVFrame& frame, bool toRgb);
 

@@ -132,7 +132,7 @@ void OverlayBurner::prepareBands(const AVFrame& frame) {
         }
         applyColourDetails(*band.toRgb, frame, true);
         applyColourDetails(*band.fromRgb, frame, false);
-        band.rgb = QImage(area.size(), QImage::Format_RGB32);
+        band.rgb = scalerSafeImage(area.size());
         bands_.push_back(std::move(band));
     }
 }

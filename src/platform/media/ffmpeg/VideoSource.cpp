@@ -42,8 +42,16 @@ std::unique_ptr<VideoSource> VideoSource::open(const QString& path, MediaError& 
     if (!error) {
         error = source->buildIndex();
     }
+    if (!error && source->stillImage_) {
+        // The image demuxers do not go back once read; reading the file anew is as cheap.
+        error = source->openInput(path);
+    }
     if (!error) {
         error = source->openDecoder();
+    }
+    if (!error && !source->stillImage_ && !source->seekToKeyframe(0)) {
+        error = failure(media_error::UnreadableFile,
+                        QStringLiteral("Cannot return to the first frame"));
     }
     if (error) {
         return nullptr;
@@ -132,10 +140,6 @@ MediaError VideoSource::openDecoder() {
     if (result < 0) {
         return failure(media_error::NoDecoder,
                        QStringLiteral("Cannot open the decoder: %1").arg(errorText(result)));
-    }
-    if (!seekToKeyframe(0)) {
-        return failure(media_error::UnreadableFile,
-                       QStringLiteral("Cannot return to the first frame"));
     }
     return MediaError::none();
 }
