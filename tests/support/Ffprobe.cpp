@@ -49,6 +49,14 @@ bool forEachFrame(const QString& path, const std::function<void(int index, const
     if (!probe.ok || probe.width <= 0 || probe.height <= 0) {
         return false;
     }
+    return forEachFrame(path, QSize(probe.width, probe.height), visit);
+}
+
+bool forEachFrame(const QString& path, QSize size,
+                  const std::function<void(int index, const QImage&)>& visit) {
+    if (size.isEmpty()) {
+        return false;
+    }
     QProcess ffmpeg;
     // passthrough: one picture out for each frame in the file, whatever the timestamps say.
     ffmpeg.start(QStringLiteral("ffmpeg"),
@@ -56,15 +64,16 @@ bool forEachFrame(const QString& path, const std::function<void(int index, const
                   QStringLiteral("-map"), QStringLiteral("0:v:0"), QStringLiteral("-fps_mode"),
                   QStringLiteral("passthrough"), QStringLiteral("-f"), QStringLiteral("rawvideo"),
                   QStringLiteral("-pix_fmt"), QStringLiteral("rgb24"), QStringLiteral("-")});
-    const qsizetype frameBytes = qsizetype(probe.width) * probe.height * 3;
+    const qsizetype frameBytes = qsizetype(size.width()) * size.height() * 3;
     QByteArray pending;
     int index = 0;
     auto deliver = [&] {
         while (pending.size() >= frameBytes) {
-            QImage image(probe.width, probe.height, QImage::Format_RGB888);
-            for (int y = 0; y < probe.height; ++y) {
-                std::memcpy(image.scanLine(y), pending.constData() + qsizetype(y) * probe.width * 3,
-                            size_t(probe.width) * 3);
+            QImage image(size, QImage::Format_RGB888);
+            for (int y = 0; y < size.height(); ++y) {
+                std::memcpy(image.scanLine(y),
+                            pending.constData() + qsizetype(y) * size.width() * 3,
+                            size_t(size.width()) * 3);
             }
             pending.remove(0, frameBytes);
             visit(index++, image);

@@ -24,6 +24,9 @@ VideoProbe probeVideo(const QString& path);
 // Decodes every frame of the first video stream with the ffmpeg command line, in file order,
 // none added or left out, and hands each to visit as RGB888. False when ffmpeg failed.
 bool forEachFrame(const QString& path, const std::function<void(int index, const QImage&)>& visit);
+// The same for a file whose picture size is known, saving a probe.
+bool forEachFrame(const QString& path, QSize size,
+                  const std::function<void(int index, const QImage&)>& visit);
 
 // Runs a program and returns its exit code (-1 when it could not start); output is discarded.
 int runProgram(const QString& program, const QStringList& arguments);

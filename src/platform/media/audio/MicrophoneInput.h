@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+namespace ravelcue::media {
+
+// A running microphone: delivers 16-bit stereo frames at 44,100 a second, numbered from when it
+// started, to one sink, in order and without gaps.
+class MicrophoneInput {
+public:
+    // Interleaved left, right words; firstFrame numbers the first of them. Called on the
+    // input's own thread (or the UI thread for inputs driven by its event loop).
+    using Sink =
+        std::function<void(std::int64_t firstFrame, const std::int16_t* samples, int frames)>;
+
+    virtual ~MicrophoneInput() = default;
+
+    // False when the device cannot be opened.
+    virtual bool start(Sink sink) = 0;
+    // Delivers nothing after it returns.
+    virtual void stop() = 0;
+    // The number of the frame being heard now: the first one a recording started now keeps.
+    virtual std::int64_t frameNow() const = 0;
+    // Delivers at once what has been heard up to now, so a recording stopped now is complete.
+    virtual void catchUp() {}
+    // A recording starts at this frame, drawing its events (the demo's breaks) from seed.
+    virtual void recordingStarted(std::int64_t firstFrame, std::uint64_t seed) {
+        (void)firstFrame;
+        (void)seed;
+    }
+    virtual void recordingStopped() {}
+    // Whether recordings from it draw on the engine's demo seed.
+    virtual bool isDemo() const { return false; }
+};
+
+} // namespace ravelcue::media

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "../VideoSource.h"
+#include "DemoScene.h"
+
+#include <atomic>
+#include <memory>
+
+namespace ravelcue::media {
+
+// Whether a demo camera is plugged in. Shared by the engine and the sources it opened, so that a
+// demo camera can be pulled out while it runs, as a real one can. Thread-safe.
+struct DemoCameraPlug {
+    std::atomic<bool> present{true};
+};
+
+// A demo camera: frames at the capture clock's own grid (frame k at k / rate seconds from the
+// origin), so that demo cameras of one rate take their pictures at the same instants. The frame
+// counter is k. A source that falls behind skips the frames it missed rather than bunching up.
+class DemoCameraSource final : public VideoSource {
+public:
+    DemoCameraSource(int demoNumber, QSize size, double frameRate, const CaptureClock& clock,
+                     std::shared_ptr<const DemoCameraPlug> plug);
+
+    QSize size() const override { return scene_.size(); }
+    double frameRate() const override { return frameRate_; }
+    Read read(SourceFrame& frame, std::stop_token stop, QString& reason) override;
+
+    static constexpr QSize kLargest{1920, 1080};
+
+private:
+    CaptureClock::Clock::time_point timeOf(std::int64_t frame) const;
+
+    DemoScene scene_;
+    double frameRate_;
+    const CaptureClock& clock_;
+    std::shared_ptr<const DemoCameraPlug> plug_;
+    std::int64_t next_ = -1;
+    int demoNumber_;
+};
+
+} // namespace ravelcue::media

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "../CaptureInstance.h"
+#include "../VideoSource.h"
+#include "../VideoView.h"
+#include "CaptureRecorder.h"
+#include "EngineContext.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include <QPointer>
+
+namespace ravelcue::media::ffmpeg {
+
+// A camera position: one worker thread reads the camera (a device or a demo scene), shows each
+// picture in the view, keeps the newest for FrameBytes and offers it to the recording, whose
+// encoder runs on a thread of its own. UI thread only, as CaptureInstance says; destroy it
+// before the widget that holds its view.
+class FfmpegCapture final : public CaptureInstance {
+    Q_OBJECT
+public:
+    explicit FfmpegCapture(std::shared_ptr<EngineContext> engine);
+    ~FfmpegCapture() override;
+
+    void SetConnected(bool connected) override;
+    bool Connected() const override { return source_ != nullptr; }
+    void SetVideoDevice(int deviceIndex) override { device_ = deviceIndex; }
+    int VideoDevice() const override { return device_; }
+    // Taken at the next connection.
+    void SetCaptureFrameRate(double framesPerSecond) override;
+    void SetCaptureAudio(bool captureAudio) override { captureAudio_ = captureAudio; }
+    void SetRenderMode(int renderMode) override;
+    int RenderMode() const override { return renderMode_; }
+    void SetPreviewScale(bool scaleToControl) override { previewScale_ = scaleToControl; }
+    bool SetVideoSize(int width, int height) override;
+    QSize GetVideoSize() const override;
+    double GetFrameRate() const override;
+    void SetPreview(bool preview) override { preview_ = preview; }
+    bool Preview() const override { return preview_; }
+    void SetSetting(int number, int value) override { settings_[number] = value; }
+
+    void SetCaptureFile(const QString& path) override { file_ = path; }
+    QString CaptureFile() const override { return file_; }
+    int CompressorCount() const override;
+    QString CompressorName(int n) const override;
+    void SetCompressorIndex(int n) override { compressor_ = n; }
+    int CompressorIndex() const override { return compressor_; }
+    int ProfileCount() const override;
+    QString ProfileName(int n) const override;
+    void SetProfileIndex(int n) override { profile_ = n; }
+    int ProfileIndex() const override { return profile_; }
+    bool StartCapture() override;
+    bool StartCaptureUncompressed() override;
+    void PauseCapture() override;
+    void ResumeCapture() override;
+    void StopCapture() override;
+    bool IsCapturing() const override;
+    CaptureStats GetCaptureStats() const override;
+
+    QByteArray FrameBytes() const override;
+    void SetBitmapOverlay(const QImage& overlay) override;
+    VideoView* view() const override { return view_; }
+
+    // The name of the device now open, for messages.
+    QString deviceName() const { return deviceName_; }
+
+private:
+    std::unique_ptr<VideoSource> openSource(QSize size, QString& reason);
+    void startWorker();
+    void stopWorker();
+    void runWorker(std::stop_token stop, VideoSource* source);
+    bool startRecording(VideoCodec codec, int bitRate);
+    void sourceLost(const QString& reason);
+    void recordingFailed(const MediaError& error, std::uint64_t recording);
+    void reportFailure(const QString& reason);
+
+    std::shared_ptr<EngineContext> engine_;
+    QPointer<VideoView> view_;
+
+    int device_ = -1;
+    double frameRate_ = 30;
+    bool captureAudio_ = false;
+    int renderMode_ = 0;
+    bool previewScale_ = true;
+    QSize requestedSize_{640, 480};
+    std::map<int, int> settings_;
+    QString file_;
+    int compressor_ = 0;
+    int profile_ = 0;
+
+    std::unique_ptr<VideoSource> source_;
+    QString deviceName_;
+    std::jthread worker_;
+    std::atomic<bool> preview_{false};
+    std::atomic<bool> keepNewest_{false};
+    mutable std::mutex newestMutex_;
+    QImage newest_;
+
+    mutable std::mutex recorderMutex_;
+    std::shared_ptr<CaptureRecorder> recorder_; // the running or the last recording
+    std::uint64_t recordings_ = 0; // numbers the recordings, to tell their reports apart
+    bool failureReported_ = false;
+};
+
+} // namespace ravelcue::media::ffmpeg
