@@ -1,7 +1,7 @@
 #include "BenchSupport.h"
 #include "platform/media/ffmpeg/FfmpegPlayer.h"
 #include "platform/media/ffmpeg/FrameIndex.h"
-#include "platform/media/ffmpeg/VideoSource.h"
+#include "platform/media/ffmpeg/VideoFileReader.h"
 
 #include <cstdio>
 #include <random>
@@ -15,7 +15,7 @@ namespace ravelcue::bench {
 namespace {
 
 using media::ffmpeg::FfmpegPlayer;
-using media::ffmpeg::VideoSource;
+using media::ffmpeg::VideoFileReader;
 
 struct Clip {
     const char* name;
@@ -37,7 +37,7 @@ double timedSeek(FfmpegPlayer& player, int frame) {
 
 // The physical limit of a seek without a cache: seek the demuxer to the keyframe before the
 // frame and decode up to it, no picture converted or kept.
-double bareDecodeMs(VideoSource& source, int frame) {
+double bareDecodeMs(VideoFileReader& source, int frame) {
     const auto start = Clock::now();
     source.skipUnreferencedBefore(-1);
     source.seekToKeyframe(source.index()->keyframeAtOrBefore(frame));
@@ -92,7 +92,7 @@ int benchClip(const Clip& clip) {
     const Figures seek = figuresOf(seeks);
     if (clip.hd) {
         media::MediaError sourceError;
-        auto source = VideoSource::open(clip.path, sourceError);
+        auto source = VideoFileReader::open(clip.path, sourceError);
         std::vector<double> bare;
         for (const int target : targets) {
             bare.push_back(bareDecodeMs(*source, target));

@@ -3,7 +3,7 @@
 #include "../VideoView.h"
 #include "FrameIndex.h"
 #include "PlayerWorker.h"
-#include "VideoSource.h"
+#include "VideoFileReader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +26,7 @@ FfmpegPlayer::~FfmpegPlayer() {
 MediaError FfmpegPlayer::PlayerOpen(const QString& path) {
     PlayerClose();
     MediaError error;
-    std::unique_ptr<VideoSource> source = VideoSource::open(path, error);
+    std::unique_ptr<VideoFileReader> source = VideoFileReader::open(path, error);
     if (!source) {
         return error;
     }

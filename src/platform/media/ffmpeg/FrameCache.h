@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VideoSource.h"
+#include "VideoFileReader.h"
 
 #include <cstdint>
 #include <map>

@@ -25,7 +25,7 @@ double toMs(PlaybackClock::Duration duration) {
 
 } // namespace
 
-PlayerWorker::PlayerWorker(std::unique_ptr<VideoSource> source, DecodedFrame first,
+PlayerWorker::PlayerWorker(std::unique_ptr<VideoFileReader> source, DecodedFrame first,
                            std::shared_ptr<PlaybackClock> clock, Callbacks callbacks)
     : source_(std::move(source))
     , index_(source_->index())

@@ -3,7 +3,7 @@
 #include "FrameCache.h"
 #include "FrameConverter.h"
 #include "PlaybackClock.h"
-#include "VideoSource.h"
+#include "VideoFileReader.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -33,7 +33,7 @@ public:
     static constexpr std::size_t kCacheBudgetBytes = 160u * 1024u * 1024u;
 
     // first: the source's first frame, already decoded by whoever opened it; it goes on show.
-    PlayerWorker(std::unique_ptr<VideoSource> source, DecodedFrame first,
+    PlayerWorker(std::unique_ptr<VideoFileReader> source, DecodedFrame first,
                  std::shared_ptr<PlaybackClock> clock, Callbacks callbacks);
     ~PlayerWorker();
     PlayerWorker(const PlayerWorker&) = delete;
@@ -72,7 +72,7 @@ private:
     std::optional<DecodedFrame> decodeTo(std::int64_t target);
     void anchorAt(double mediaMs, double rate);
 
-    std::unique_ptr<VideoSource> source_;
+    std::unique_ptr<VideoFileReader> source_;
     std::shared_ptr<const FrameIndex> index_;
     std::shared_ptr<PlaybackClock> clock_;
     Callbacks callbacks_;

@@ -4,8 +4,8 @@
 #include "ImageFrames.h"
 #include "OverlayBurner.h"
 #include "SoundtrackCopy.h"
+#include "VideoFileReader.h"
 #include "VideoFileWriter.h"
-#include "VideoSource.h"
 
 #include <condition_variable>
 #include <deque>
@@ -156,7 +156,7 @@ FramePtr burnt(const AVFrame& decoded, OverlayBurner& burner, FrameConverter& up
     return frame;
 }
 
-MediaError encodeSpan(VideoSource& source, const Span& span, const OverlayLayer& overlay,
+MediaError encodeSpan(VideoFileReader& source, const Span& span, const OverlayLayer& overlay,
                       const QString& path, const std::atomic<bool>& cancelled,
                       const std::function<void(int)>& progress) {
     const bool turned = source.rotationDegrees() % 360 != 0;
@@ -241,7 +241,7 @@ MediaError recompressVideo(const RecompressRequest& request, const OverlayLayer&
                            const std::atomic<bool>& cancelled,
                            const std::function<void(int)>& progress) {
     MediaError error;
-    std::unique_ptr<VideoSource> source = VideoSource::open(request.source, error);
+    std::unique_ptr<VideoFileReader> source = VideoFileReader::open(request.source, error);
     if (!source) {
         return error;
     }

@@ -1,4 +1,4 @@
-#include "VideoSource.h"
+#include "VideoFileReader.h"
 
 extern "C" {
 #include <libavutil/display.h>
@@ -36,8 +36,8 @@ bool isImageFormat(const AVInputFormat& format) {
 
 } // namespace
 
-std::unique_ptr<VideoSource> VideoSource::open(const QString& path, MediaError& error) {
-    std::unique_ptr<VideoSource> source(new VideoSource);
+std::unique_ptr<VideoFileReader> VideoFileReader::open(const QString& path, MediaError& error) {
+    std::unique_ptr<VideoFileReader> source(new VideoFileReader);
     error = source->openInput(path);
     if (!error) {
         error = source->buildIndex();
@@ -59,9 +59,9 @@ std::unique_ptr<VideoSource> VideoSource::open(const QString& path, MediaError& 
     return source;
 }
 
-VideoSource::~VideoSource() = default;
+VideoFileReader::~VideoFileReader() = default;
 
-MediaError VideoSource::openInput(const QString& path) {
+MediaError VideoFileReader::openInput(const QString& path) {
     if (!QFileInfo(path).isFile()) {
         return failure(media_error::FileNotFound, QStringLiteral("File not found: %1").arg(path));
     }
@@ -93,7 +93,7 @@ MediaError VideoSource::openInput(const QString& path) {
     return MediaError::none();
 }
 
-MediaError VideoSource::buildIndex() {
+MediaError VideoFileReader::buildIndex() {
     std::vector<FrameIndex::Packet> packets;
     int result = 0;
     while ((result = av_read_frame(input_.get(), packet_.get())) >= 0) {
@@ -118,7 +118,7 @@ MediaError VideoSource::buildIndex() {
     return MediaError::none();
 }
 
-MediaError VideoSource::openDecoder() {
+MediaError VideoFileReader::openDecoder() {
     const AVCodec* decoder = avcodec_find_decoder(stream_->codecpar->codec_id);
     if (decoder == nullptr) {
         return failure(
@@ -144,7 +144,7 @@ MediaError VideoSource::openDecoder() {
     return MediaError::none();
 }
 
-AVRational VideoSource::frameRate() const {
+AVRational VideoFileReader::frameRate() const {
     AVRational rate = stream_->avg_frame_rate;
     if (rate.num > 0 && rate.den > 0) {
         return rate;
@@ -156,7 +156,7 @@ AVRational VideoSource::frameRate() const {
     return {25, 1};
 }
 
-bool VideoSource::seekToKeyframe(std::int64_t keyframe) {
+bool VideoFileReader::seekToKeyframe(std::int64_t keyframe) {
     const std::int64_t stampValue = index_->stamp(index_->clampFrame(keyframe));
     int result = av_seek_frame(input_.get(), stream_->index, stampValue, AVSEEK_FLAG_BACKWARD);
     if (result < 0) {
@@ -175,7 +175,7 @@ bool VideoSource::seekToKeyframe(std::int64_t keyframe) {
     return result >= 0;
 }
 
-bool VideoSource::feedDecoder() {
+bool VideoFileReader::feedDecoder() {
     while (!inputEnded_) {
         const int result = av_read_frame(input_.get(), packet_.get());
         if (result < 0) {
@@ -207,7 +207,7 @@ bool VideoSource::feedDecoder() {
     return false;
 }
 
-std::int64_t VideoSource::numberFor(const AVFrame& frame) {
+std::int64_t VideoFileReader::numberFor(const AVFrame& frame) {
     if (index_->framesCarryStamps() && frame.pts != AV_NOPTS_VALUE) {
         const std::int64_t number = index_->frameOfStamp(frame.pts);
         if (number >= 0) {
@@ -218,7 +218,7 @@ std::int64_t VideoSource::numberFor(const AVFrame& frame) {
     return ++lastNumber_;
 }
 
-std::optional<DecodedFrame> VideoSource::next() {
+std::optional<DecodedFrame> VideoFileReader::next() {
     if (ended_) {
         return std::nullopt;
     }

@@ -23,14 +23,14 @@ struct DecodedFrame {
 
 // The video stream of one file: its frame index, its decoder, and frame-exact positioning.
 // Not thread-safe: one thread at a time decodes.
-class VideoSource {
+class VideoFileReader {
 public:
     // Opens the file, builds its frame index by demuxing it once and readies the decoder at
     // the first frame. On failure returns null and fills error.
-    static std::unique_ptr<VideoSource> open(const QString& path, MediaError& error);
-    ~VideoSource();
-    VideoSource(const VideoSource&) = delete;
-    VideoSource& operator=(const VideoSource&) = delete;
+    static std::unique_ptr<VideoFileReader> open(const QString& path, MediaError& error);
+    ~VideoFileReader();
+    VideoFileReader(const VideoFileReader&) = delete;
+    VideoFileReader& operator=(const VideoFileReader&) = delete;
 
     const std::shared_ptr<const FrameIndex>& index() const { return index_; }
     int width() const { return codec_->width; }
@@ -54,7 +54,7 @@ public:
     void skipUnreferencedBefore(std::int64_t frame) { skipBefore_ = frame; }
 
 private:
-    VideoSource() = default;
+    VideoFileReader() = default;
     MediaError openInput(const QString& path);
     MediaError buildIndex();
     MediaError openDecoder();
