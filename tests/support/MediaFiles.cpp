@@ -67,16 +67,6 @@ QImage extractFrame(const QString& path, int number) {
     return frames.empty() ? QImage() : frames.front();
 }
 
-int countFrames(const QString& path) {
-    bool ok = false;
-    const QByteArray out =
-        runTool(QStringLiteral("ffprobe"),
-                {"-v", "error", "-count_frames", "-select_streams", "v:0", "-show_entries",
-                 "stream=nb_read_frames", "-of", "csv=p=0", path},
-                &ok);
-    return ok ? out.trimmed().toInt() : -1;
-}
-
 std::vector<double> frameTimesMs(const QString& path) {
     bool ok = false;
     const QByteArray out = runTool(QStringLiteral("ffprobe"),

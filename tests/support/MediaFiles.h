@@ -17,8 +17,6 @@ bool makeVideo(const QString& path, const QString& lavfiSource, const QStringLis
 // order asked for. Empty on failure.
 std::vector<QImage> extractFrames(const QString& path, const std::vector<int>& numbers);
 QImage extractFrame(const QString& path, int number);
-// How many frames ffprobe decodes from the file.
-int countFrames(const QString& path);
 // Presentation times in milliseconds of every frame ffprobe decodes, in order.
 std::vector<double> frameTimesMs(const QString& path);
 

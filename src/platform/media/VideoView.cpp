@@ -168,7 +168,7 @@ void VideoView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void VideoView::mouseDoubleClickEvent(QMouseEvent*) {
-    emit doubleClicked();
+    emit PictureDoubleClick();
 }
 
 } // namespace ravelcue::media

@@ -48,7 +48,7 @@ signals:
     void mousePressed(int button, int shift, double x, double y);
     void mouseMoved(int button, int shift, double x, double y);
     void mouseReleased(int button, int shift, double x, double y);
-    void doubleClicked();
+    void PictureDoubleClick();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

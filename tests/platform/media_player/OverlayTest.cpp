@@ -1,5 +1,6 @@
 #include "PlayerTestSupport.h"
 #include "platform/media/VideoView.h"
+#include "support/Ffprobe.h"
 #include "support/MediaFiles.h"
 #include "support/TempFolder.h"
 
@@ -75,6 +76,7 @@ TEST_F(OverlayTest, MarkersSitOnTheirPicturePixelsInStillsOnScreenAndZoomed) {
     QImageReader reader(still, "jpeg");
     const QImage saved = reader.read().convertToFormat(QImage::Format_RGB32);
     ASSERT_EQ(saved.size(), QSize(320, 180));
+    EXPECT_EQ(probeVideo(still).codecName, QStringLiteral("mjpeg")); // ffmpeg reads it too
     EXPECT_TRUE(isRed(saved.pixel(205, 103)));
     EXPECT_NEAR(qGray(saved.pixel(100, 150)), 128, 6);
     EXPECT_GT(countPixels(saved, QRect(20, 30, 140, 30), isYellow), 40);
@@ -113,6 +115,9 @@ TEST_F(OverlayTest, MarkersSitOnTheirPicturePixelsInStillsOnScreenAndZoomed) {
     EXPECT_EQ(presses.at(0).at(1).toInt(), 1);
     EXPECT_NEAR(presses.at(0).at(2).toDouble() * 320 / 400, 205.6, 1.0);
     EXPECT_NEAR(presses.at(0).at(3).toDouble() * 180 / 400, 104.0, 1.0);
+    QSignalSpy doubleClicks(&view, &VideoView::PictureDoubleClick);
+    QTest::mouseDClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(200, 200));
+    EXPECT_EQ(doubleClicks.count(), 1);
 
     // An empty text clears its slot, and the picture shows it at once, stopped as it is.
     player.SetTextOverlay(0, QString(), 20, 30, QStringLiteral("Arial Bold"), 12, Qt::yellow);

@@ -1,4 +1,5 @@
 #include "PlayerTestSupport.h"
+#include "support/Ffprobe.h"
 #include "support/MediaFiles.h"
 #include "support/TempFolder.h"
 
@@ -57,7 +58,7 @@ TEST_P(PlayerPositionTest, FramesAndTimesMatchFfmpeg) {
     const Format& format = GetParam();
     const QString path = folder.file(format.file);
     ASSERT_TRUE(makeVideo(path, format.source, format.encoding));
-    const int count = countFrames(path);
+    const int count = probeVideo(path).frameCount;
     const std::vector<double> times = frameTimesMs(path);
     ASSERT_EQ(static_cast<int>(times.size()), count);
 
