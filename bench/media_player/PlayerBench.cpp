@@ -174,6 +174,11 @@ int benchClip(const Clip& clip) {
 
 } // namespace
 
+int runPlayerBenchOn(const QString& path) {
+    benchClip({"the given file", path, true});
+    return 0;
+}
+
 int runPlayerBench(const QString& folder) {
     const QString hd = QDir(folder).filePath(QStringLiteral("hd.mp4"));
     const QString sd = QDir(folder).filePath(QStringLiteral("sd.avi"));

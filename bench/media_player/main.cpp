@@ -9,6 +9,7 @@
 namespace ravelcue::bench {
 int runPlayerBench(const QString& folder);
 int runBurnInBench(const QString& folder);
+int runPlayerBenchOn(const QString& path);
 } // namespace ravelcue::bench
 
 // Generates its media into a temporary folder with the ffmpeg command line, then prints the
@@ -27,6 +28,11 @@ int main(int argc, char** argv) {
     const QStringList arguments = app.arguments();
     const bool onlyBurn = arguments.contains(QStringLiteral("--burn-in"));
     const bool onlyPlayer = arguments.contains(QStringLiteral("--player"));
+    const qsizetype file = arguments.indexOf(QStringLiteral("--file"));
+    if (file > 0 && file + 1 < arguments.size()) {
+        return ravelcue::bench::runPlayerBenchOn(
+            arguments.at(file + 1)); // the player on your own video
+    }
     int failures = 0;
     if (!onlyBurn) {
         failures += ravelcue::bench::runPlayerBench(folder.path());
