@@ -11,6 +11,8 @@ namespace {
 constexpr auto kMinPresentInterval = std::chrono::milliseconds(14);
 // Frames decoded ahead of the one on show while the player stands still.
 constexpr std::int64_t kPrefetchFrames = 3;
+// How long the player stands still after a seek before it decodes ahead.
+constexpr auto kPrefetchDelay = std::chrono::milliseconds(10);
 // Decoding this many frames forward costs about as much as one seek.
 constexpr std::int64_t kSeekCostInFrames = 2;
 
@@ -107,6 +109,11 @@ void PlayerWorker::run() {
             serveSeek(lock);
         } else if (command_.playing) {
             servePlayback(lock);
+        } else if (std::chrono::steady_clock::now() < prefetchNotBefore_) {
+            // Seeks that follow each other (a dragged slider) would only throw prefetched
+            // frames away.
+            pacing_ = false;
+            wake_.wait_until(lock, prefetchNotBefore_);
         } else {
             pacing_ = false;
             lock.unlock();
@@ -136,6 +143,7 @@ void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
         }
     }
     seekServed_ = request;
+    prefetchNotBefore_ = std::chrono::steady_clock::now() + kPrefetchDelay;
     settled_.notify_all();
 }
 

@@ -86,6 +86,8 @@ private:
     std::uint64_t seekServed_ = 0;
     std::int64_t onShow_ = -1;
 
+    std::chrono::steady_clock::time_point prefetchNotBefore_{};
+
     // Playback pacing; worker thread only.
     bool pacing_ = false;
     bool endSent_ = false;
