@@ -138,6 +138,33 @@ TEST(PlayerPlayback, DamagedFilesOpenWithAnErrorOrPlayWhatTheyHold) {
     EXPECT_FALSE(player.pictureOnShow().isNull());
 }
 
+// Seeks that overtake each other (a dragged slider) cut the decoding of the one before short;
+// the last one lands exactly, and the decoder goes on correctly from wherever it stopped.
+TEST(PlayerPlayback, SeeksThatOvertakeEachOtherLandOnTheLast) {
+    TempFolder folder;
+    const QString path = folder.file("long-gop.mp4");
+    ASSERT_TRUE(makeVideo(path, "testsrc2=size=176x100:rate=25:duration=10",
+                          {"-c:v", "libx264", "-g", "250", "-bf", "3", "-pix_fmt", "yuv420p"}));
+    const std::vector<int> checked = {121, 122, 200, 199};
+    const std::vector<QImage> expected = extractFrames(path, checked);
+    ASSERT_EQ(expected.size(), checked.size());
+    FfmpegPlayer player;
+    ASSERT_TRUE(player.PlayerOpen(path).ok());
+    for (const int frame : {240, 120, 230, 60, 121}) {
+        player.PlayerSetFrame(frame);
+        QTest::qWait(3); // lets the worker start on it before the next one comes
+    }
+    ASSERT_TRUE(player.waitForFrame());
+    EXPECT_EQ(player.PlayerGetFrame(), 121.0);
+    EXPECT_LT(meanDifference(player.pictureOnShow(), expected[0]), 0.5);
+    for (size_t i = 1; i < checked.size(); ++i) {
+        player.PlayerSetFrame(180); // cut short by the next
+        QTest::qWait(3);
+        ASSERT_TRUE(showFrame(player, checked[i]));
+        EXPECT_LT(meanDifference(player.pictureOnShow(), expected[i]), 0.5) << checked[i];
+    }
+}
+
 // Still pictures open as one frame that never ends.
 TEST(PlayerPlayback, StillsOpenAsOneFrameThatNeverEnds) {
     TempFolder folder;

@@ -37,6 +37,7 @@ PlayerWorker::PlayerWorker(std::unique_ptr<VideoFileReader> source, DecodedFrame
     cache_.put(first.number, first.frame, first.number);
     command_.seekFrame = first.number;
     command_.seekRequest = 1;
+    latestRequest_ = 1;
     thread_ = std::jthread([this] { run(); });
 }
 
@@ -44,6 +45,7 @@ PlayerWorker::~PlayerWorker() {
     {
         std::lock_guard lock(mutex_);
         command_.quit = true;
+        quitting_ = true;
     }
     wake_.notify_all();
     thread_.join();
@@ -54,6 +56,7 @@ void PlayerWorker::seek(std::int64_t frame) {
         std::lock_guard lock(mutex_);
         command_.seekFrame = index_->clampFrame(frame);
         ++command_.seekRequest;
+        latestRequest_ = command_.seekRequest;
     }
     wake_.notify_all();
 }
@@ -130,6 +133,7 @@ void PlayerWorker::run() {
 void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
     const std::int64_t target = command_.seekFrame;
     const std::uint64_t request = command_.seekRequest;
+    requestInHand_ = request;
     // The frame on show asked for again is only a call to repaint, which the view does itself;
     // playback must not lose its pace over it (it comes with every mouse move of a drawing).
     if (target != onShow_) {
@@ -196,6 +200,9 @@ void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
             const std::int64_t shown = show(last);
             lock.lock();
             onShow_ = shown;
+            if (superseded()) {
+                return; // a seek came first
+            }
         }
         reachEnd(lock);
         return;
@@ -207,7 +214,7 @@ void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
         const std::int64_t shown = show(due);
         lock.lock();
         onShow_ = shown;
-        if (shown < due) {
+        if (shown < due && !superseded()) {
             reachEnd(lock); // the file ends before its index says: a truncated file
         }
         return;
@@ -243,6 +250,10 @@ bool PlayerWorker::prefetchOne() {
         return true;
     }
     return false;
+}
+
+bool PlayerWorker::superseded() const {
+    return quitting_ || latestRequest_ != requestInHand_;
 }
 
 std::int64_t PlayerWorker::show(std::int64_t target) {
@@ -290,6 +301,12 @@ std::optional<DecodedFrame> PlayerWorker::decodeTo(std::int64_t target) {
 
     std::optional<DecodedFrame> lastDecoded;
     while (decoded) {
+        if (superseded()) {
+            // A newer seek (a slider on the move) or a close: the rest of this group of pictures
+            // is not worth waiting for. The decoder stays where it is, ready to go on.
+            source_->skipUnreferencedBefore(-1);
+            return std::nullopt;
+        }
         if (decoded->number >= keepFrom) {
             cache_.put(decoded->number, decoded->frame, target);
         }

@@ -5,6 +5,7 @@
 #include "PlaybackClock.h"
 #include "VideoFileReader.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -71,6 +72,8 @@ private:
     std::optional<DecodedFrame> obtain(std::int64_t target);
     std::optional<DecodedFrame> decodeTo(std::int64_t target);
     void anchorAt(double mediaMs, double rate);
+    // A newer seek or a close came while decoding.
+    bool superseded() const;
 
     std::unique_ptr<VideoFileReader> source_;
     std::shared_ptr<const FrameIndex> index_;
@@ -87,6 +90,10 @@ private:
     std::int64_t onShow_ = -1;
 
     std::chrono::steady_clock::time_point prefetchNotBefore_{};
+    // Read while decoding without taking the lock.
+    std::atomic<std::uint64_t> latestRequest_{0};
+    std::atomic<bool> quitting_{false};
+    std::uint64_t requestInHand_ = 0; // worker thread only
 
     // Playback pacing; worker thread only.
     bool pacing_ = false;
