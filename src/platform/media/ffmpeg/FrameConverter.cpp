@@ -51,6 +51,21 @@ QImage scalerSafeImage(QSize size) {
     return QImage(data, size.width(), size.height(), stride, QImage::Format_RGB32, av_free, data);
 }
 
+QImage FrameConverter::reusableImage(QSize size) {
+    for (QImage& image : pool_) {
+        if (!image.isNull() && image.size() == size && image.isDetached()) {
+            return image;
+        }
+    }
+    for (QImage& image : pool_) {
+        if (image.isNull() || (image.size() != size && image.isDetached())) {
+            image = scalerSafeImage(size);
+            return image;
+        }
+    }
+    return scalerSafeImage(size); // all still on show somewhere
+}
+
 QImage FrameConverter::toImage(const AVFrame& frame) {
     if (frame.width <= 0 || frame.height <= 0) {
         return {};
@@ -64,11 +79,13 @@ QImage FrameConverter::toImage(const AVFrame& frame) {
         return {};
     }
     applyColourDetails(*scaler_, frame, true);
-    QImage image = scalerSafeImage(QSize(frame.width, frame.height));
+    QImage image = reusableImage(QSize(frame.width, frame.height));
     if (image.isNull()) {
         return {};
     }
-    uint8_t* destination[4] = {image.bits(), nullptr, nullptr, nullptr};
+    // Written through the shared pointer on purpose: the pool's reference is the only other one,
+    // and bits() would copy the picture to detach from it.
+    uint8_t* destination[4] = {const_cast<uchar*>(image.constBits()), nullptr, nullptr, nullptr};
     const int destinationStride[4] = {static_cast<int>(image.bytesPerLine()), 0, 0, 0};
     sws_scale(scaler_.get(), frame.data, frame.linesize, 0, frame.height, destination,
               destinationStride);

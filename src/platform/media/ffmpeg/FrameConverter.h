@@ -2,6 +2,8 @@
 
 #include "FfmpegPtr.h"
 
+#include <array>
+
 #include <QImage>
 
 namespace ravelcue::media::ffmpeg {
@@ -16,8 +18,13 @@ public:
     QImage toImage(const AVFrame& frame);
 
 private:
+    QImage reusableImage(QSize size);
+
     SwsPtr scaler_;
     int rotation_ = 0;
+    // Pictures handed out earlier, written again once nobody else holds them: a fresh 8 MB
+    // picture a frame costs its page faults every time.
+    std::array<QImage, 4> pool_;
 };
 
 // An RGB32 image whose rows have room to spare at their ends: the scaler's vector code writes
