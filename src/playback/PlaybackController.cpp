@@ -68,7 +68,7 @@ void PlaybackController::wirePlayers() {
         connect(&player, &media::PlayerInstance::PlayerEnd, transport_,
                 [this, i] { transport_->PlayerEnd(i); });
         media::VideoView* view = player.view();
-        connect(view, &media::VideoView::doubleClicked, opening_,
+        connect(view, &media::VideoView::PictureDoubleClick, opening_,
                 [this, i] { opening_->PictureDoubleClick(i); });
         connect(view, &media::VideoView::mousePressed, this,
                 [this, i](int button, int, double, double) { PlayerMouseDown(i, button); });

@@ -65,10 +65,10 @@ TEST_F(Modes, CameraOptionsSwitchBetweenOneCameraAndAll) {
     }
 
     // A double click on a picture in the quad view shows that camera alone, and back.
-    emit fixture.window().media().cam(0).view()->doubleClicked();
+    emit fixture.window().media().cam(0).view()->PictureDoubleClick();
     EXPECT_EQ(state().CameraView, "SingleCamera");
     EXPECT_EQ(state().SelectedCam, 0);
-    emit fixture.window().media().cam(0).view()->doubleClicked();
+    emit fixture.window().media().cam(0).view()->PictureDoubleClick();
     EXPECT_EQ(state().CameraView, "QuadCamera");
 }
 

@@ -76,7 +76,7 @@ TEST(Opening, DoubleClickAndPlayerMenuSwitchBetweenOneAndAllWithoutTouchingPlaye
     w.player(1).PlayerPlay();
     w.fixture.recorder.clearLog();
 
-    emit w.player(1).view()->doubleClicked();
+    emit w.player(1).view()->PictureDoubleClick();
     EXPECT_EQ(w.state().PlayerView, "SinglePlayer");
     EXPECT_EQ(w.state().SelectedPlayer, 1);
     EXPECT_TRUE(w.shown("picPlayer_1"));
@@ -84,12 +84,12 @@ TEST(Opening, DoubleClickAndPlayerMenuSwitchBetweenOneAndAllWithoutTouchingPlaye
     EXPECT_TRUE(w.enabled("mnuPlayer_4"));
     EXPECT_TRUE(w.player(1).IsPlaying());
 
-    emit w.player(1).view()->doubleClicked();
+    emit w.player(1).view()->PictureDoubleClick();
     EXPECT_EQ(w.state().PlayerView, "QuadPlayer");
     EXPECT_FALSE(w.enabled("mnuPlayer_4"));
     EXPECT_TRUE(w.shown("picPlayer_3"));
 
-    emit w.player(3).view()->doubleClicked();
+    emit w.player(3).view()->PictureDoubleClick();
     EXPECT_EQ(w.state().PlayerView, "QuadPlayer") << "an empty pane is not shown alone";
 
     w.fixture.click("mnuPlayer_0");

@@ -7,9 +7,9 @@
 
 namespace ravelcue::media {
 
-namespace {
-
-QFont fontFor(const TextOverlay& text, int pictureHeight) {
+QFont OverlayLayer::textFont(const TextOverlay& text, int pictureHeight) {
+    // "Arial Bold" names a face, not a family: fontconfig knows the family "Arial" (Liberation
+    // Sans where Arial is not installed) and the weight is asked for apart.
     QString family = text.font;
     bool bold = false;
     if (family.endsWith(QLatin1String(" Bold"), Qt::CaseInsensitive)) {
@@ -18,12 +18,10 @@ QFont fontFor(const TextOverlay& text, int pictureHeight) {
     }
     QFont font(family);
     font.setBold(bold);
-    font.setPixelSize(OverlayLayer::textPixelSize(text.pointSize, pictureHeight));
+    font.setPixelSize(textPixelSize(text.pointSize, pictureHeight));
     font.setStyleStrategy(QFont::PreferAntialias);
     return font;
 }
-
-} // namespace
 
 QImage maskBlack(const QImage& source) {
     QImage rgb = source.format() == QImage::Format_RGB32
@@ -81,15 +79,16 @@ const QImage& OverlayLayer::composed(QSize pictureSize) const {
     if (!pictureSize.isEmpty()) {
         QPainter painter(&composed_);
         if (!bitmap_.isNull()) {
-            const QImage masked = maskBlack(bitmap_);
-            painter.drawImage(QRect(QPoint(0, 0), pictureSize), masked);
+            // Marker coordinates are picture pixels: the bitmap lies on the picture pixel for
+            // pixel from the top left corner, never stretched, whatever its size.
+            painter.drawImage(QPoint(0, 0), maskBlack(bitmap_));
         }
         painter.setRenderHint(QPainter::TextAntialiasing);
         for (const TextOverlay& text : texts_) {
             if (text.text.isEmpty()) {
                 continue;
             }
-            const QFont font = fontFor(text, pictureSize.height());
+            const QFont font = textFont(text, pictureSize.height());
             painter.setFont(font);
             painter.setPen(text.color);
             const QFontMetrics metrics(font);

@@ -3,6 +3,7 @@
 #include <array>
 
 #include <QColor>
+#include <QFont>
 #include <QImage>
 #include <QSize>
 #include <QString>
@@ -21,9 +22,10 @@ struct TextOverlay {
     QColor color = Qt::white;
 };
 
-// What lies over a picture: the shape bitmap (black lets the picture through) and numbered text
-// slots. The same layer is painted on screen and burnt into saved frames, so that what the user
-// sees is what is saved. Not thread-safe; copy it to hand it to another thread.
+// What lies over a picture: the shape bitmap (black lets the picture through; it lies on the
+// picture pixel for pixel from the top left corner) and numbered text slots. The same layer is
+// painted on screen and burnt into saved frames, so that what the user sees is what is saved. Not
+// thread-safe; copy it to hand it to another thread.
 class OverlayLayer {
 public:
     static constexpr int kTextSlots = 40;
@@ -47,6 +49,8 @@ public:
     // Text pixel height on a picture of the given height: point sizes are meant for a picture
     // 480 lines high and grow with taller pictures, so notes stay legible on HD video.
     static int textPixelSize(int pointSize, int pictureHeight);
+    // The font a text slot is drawn with on a picture of the given height.
+    static QFont textFont(const TextOverlay& text, int pictureHeight);
 
 private:
     QImage bitmap_;

@@ -1,5 +1,7 @@
 #include "VideoView.h"
 
+#include <algorithm>
+
 #include <QMetaObject>
 #include <QMouseEvent>
 #include <QPainter>
@@ -107,12 +109,25 @@ void VideoView::paintEvent(QPaintEvent*) {
         return;
     }
     const QRect target = pictureRect();
-    QRect source = zoom_.isEmpty() ? frame.rect() : zoom_;
+    const QRect source = shownRegion(frame.size());
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(target, frame, source);
     if (!overlay_.isEmpty()) {
         painter.drawImage(target, overlay_.composed(frame.size()), source);
     }
+}
+
+QRect VideoView::shownRegion(QSize picture) const {
+    if (zoom_.isEmpty() || picture.isEmpty()) {
+        return QRect(QPoint(0, 0), picture);
+    }
+    // A region that reaches past the picture (panned, then zoomed out) is moved back inside it,
+    // keeping its size, so that the enlargement stays what the user chose.
+    const int width = std::min(zoom_.width(), picture.width());
+    const int height = std::min(zoom_.height(), picture.height());
+    const int x = std::clamp(zoom_.x(), 0, picture.width() - width);
+    const int y = std::clamp(zoom_.y(), 0, picture.height() - height);
+    return {x, y, width, height};
 }
 
 QPointF VideoView::toControlPosition(QPointF position) const {
@@ -153,7 +168,7 @@ void VideoView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void VideoView::mouseDoubleClickEvent(QMouseEvent*) {
-    emit doubleClicked();
+    emit PictureDoubleClick();
 }
 
 } // namespace ravelcue::media

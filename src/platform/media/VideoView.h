@@ -39,6 +39,8 @@ public:
 
     // Where the picture is drawn inside the control.
     QRect pictureRect() const;
+    // The part of a picture of that size that is on show, zoom region applied.
+    QRect shownRegion(QSize picture) const;
     // The frame as shown, overlays burnt in, at picture size.
     QImage composedFrame() const;
 
@@ -46,7 +48,7 @@ signals:
     void mousePressed(int button, int shift, double x, double y);
     void mouseMoved(int button, int shift, double x, double y);
     void mouseReleased(int button, int shift, double x, double y);
-    void doubleClicked();
+    void PictureDoubleClick();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -5,6 +5,8 @@
 #include "../audio/AudioCapture.h"
 #include "EngineContext.h"
 #include "FfmpegCapture.h"
+#include "FfmpegPlayer.h"
+#include "FfmpegRecompress.h"
 
 extern "C" {
 #include <libavdevice/avdevice.h>
@@ -44,12 +46,12 @@ std::unique_ptr<CaptureInstance> FfmpegEngine::createCapture(int) {
     return std::make_unique<FfmpegCapture>(context_);
 }
 
-std::unique_ptr<PlayerInstance> FfmpegEngine::createPlayer(int index) {
-    return detached_.createPlayer(index);
+std::unique_ptr<PlayerInstance> FfmpegEngine::createPlayer(int) {
+    return std::make_unique<FfmpegPlayer>();
 }
 
 std::unique_ptr<RecompressInstance> FfmpegEngine::createRecompress(int index) {
-    return detached_.createRecompress(index);
+    return std::make_unique<FfmpegRecompress>(index);
 }
 
 std::unique_ptr<AudioInstance> FfmpegEngine::createAudio() {

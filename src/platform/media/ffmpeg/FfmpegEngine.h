@@ -1,6 +1,5 @@
 #pragma once
 
-#include "../DetachedEngine.h"
 #include "../MediaEngine.h"
 
 #include <cstdint>
@@ -47,7 +46,6 @@ public:
 
 private:
     std::shared_ptr<EngineContext> context_;
-    DetachedEngine detached_;
 };
 
 } // namespace ffmpeg

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "../PlayerInstance.h"
+#include "../VideoView.h"
+#include "PlaybackClock.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+
+#include <QImage>
+#include <QMutex>
+#include <QPointer>
+
+namespace ravelcue::media::ffmpeg {
+
+class FrameIndex;
+class PlayerWorker;
+
+// A player on FFmpeg. The UI-thread side of a PlayerWorker: it opens files, turns times into
+// frame numbers through the file's frame index, and forwards what the worker shows to its view.
+class FfmpegPlayer final : public PlayerInstance {
+    Q_OBJECT
+public:
+    explicit FfmpegPlayer(
+        std::shared_ptr<PlaybackClock> clock = std::make_shared<SteadyPlaybackClock>(),
+        QObject* parent = nullptr);
+    ~FfmpegPlayer() override;
+
+    void SetConnected(bool connected) override { connected_ = connected; }
+    bool Connected() const override { return connected_; }
+    void SetVideoSize(int, int) override {}
+    void SetRenderMode(int renderMode) override { renderMode_ = renderMode; }
+    void SetCaptureAudio(bool) override {}
+    void SetSetting(int, int) override {}
+
+    MediaError PlayerOpen(const QString& path) override;
+    void PlayerClose() override;
+    bool IsOpen() const override;
+    void PlayerPlay() override;
+    void PlayerStop() override;
+    bool IsPlaying() const override;
+    void PlayerSetRate(double rate) override;
+    double PlayerGetPos() const override;
+    void PlayerSetPos(double ms) override;
+    double PlayerGetFrame() const override;
+    void PlayerSetFrame(double frame) override;
+    QSize PlayerGetSize() const override;
+    double PlayerGetDuration() const override;
+    int PlayerGetFrameCount() const override;
+    int PictureWidth() const override;
+    int PictureHeight() const override;
+    void SetZoomRegion(int x, int y, int width, int height) override;
+    bool PlayerSaveFrame(const QString& path, int quality) override;
+    void SetBitmapOverlay(const QImage& overlay) override;
+    void SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
+                        int pointSize, QColor color) override;
+    VideoView* view() const override { return view_.data(); }
+
+    // Waits until the frame last asked for is on show; false on timeout or when closed.
+    bool waitForFrame(std::chrono::milliseconds timeout = std::chrono::seconds(30)) const;
+    // The picture on show, without overlays; thread-safe.
+    QImage pictureOnShow() const;
+    double PlayerGetRate() const { return rate_; }
+    // Pictures handed to the view since the file was opened; thread-safe.
+    std::int64_t framesPresented() const { return framesPresented_; }
+
+private:
+    void present(const QImage& picture, std::int64_t frame); // worker thread
+    void deliverToView();
+
+    QPointer<VideoView> view_;
+    std::shared_ptr<PlaybackClock> clock_;
+    std::shared_ptr<const FrameIndex> index_;
+    std::unique_ptr<PlayerWorker> worker_;
+    QSize pictureSize_;
+    double rate_ = 1.0;
+    bool connected_ = false;
+    int renderMode_ = 0;
+
+    mutable QMutex shownMutex_;
+    QImage shown_;
+    std::atomic<bool> deliveryPending_{false};
+    std::atomic<std::int64_t> framesPresented_{0};
+};
+
+} // namespace ravelcue::media::ffmpeg

@@ -1,0 +1,324 @@
+#include "PlayerWorker.h"
+
+#include <algorithm>
+
+namespace ravelcue::media::ffmpeg {
+
+namespace {
+
+// Pictures are not handed on faster than a screen shows them; at high rates the frames between
+// are decoded but never converted.
+constexpr auto kMinPresentInterval = std::chrono::milliseconds(14);
+// Frames decoded ahead of the one on show while the player stands still.
+constexpr std::int64_t kPrefetchFrames = 3;
+// How long the player stands still after a seek before it decodes ahead.
+constexpr auto kPrefetchDelay = std::chrono::milliseconds(10);
+// Decoding this many frames forward costs about as much as one seek.
+constexpr std::int64_t kSeekCostInFrames = 2;
+
+PlaybackClock::Duration fromMs(double ms) {
+    return std::chrono::duration_cast<PlaybackClock::Duration>(
+        std::chrono::duration<double, std::milli>(ms));
+}
+
+double toMs(PlaybackClock::Duration duration) {
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+
+} // namespace
+
+PlayerWorker::PlayerWorker(std::unique_ptr<VideoFileReader> source, DecodedFrame first,
+                           std::shared_ptr<PlaybackClock> clock, Callbacks callbacks)
+    : source_(std::move(source))
+    , index_(source_->index())
+    , clock_(std::move(clock))
+    , callbacks_(std::move(callbacks))
+    , converter_(source_->rotationDegrees()) {
+    cache_.put(first.number, first.frame, first.number);
+    command_.seekFrame = first.number;
+    command_.seekRequest = 1;
+    latestRequest_ = 1;
+    thread_ = std::jthread([this] { run(); });
+}
+
+PlayerWorker::~PlayerWorker() {
+    {
+        std::lock_guard lock(mutex_);
+        command_.quit = true;
+        quitting_ = true;
+    }
+    wake_.notify_all();
+    thread_.join();
+}
+
+void PlayerWorker::seek(std::int64_t frame) {
+    {
+        std::lock_guard lock(mutex_);
+        command_.seekFrame = index_->clampFrame(frame);
+        ++command_.seekRequest;
+        latestRequest_ = command_.seekRequest;
+    }
+    wake_.notify_all();
+}
+
+void PlayerWorker::play() {
+    {
+        std::lock_guard lock(mutex_);
+        if (!command_.playing) {
+            command_.playRequestedAt = clock_->now();
+        }
+        command_.playing = true;
+    }
+    wake_.notify_all();
+}
+
+void PlayerWorker::stop() {
+    {
+        std::lock_guard lock(mutex_);
+        command_.playing = false;
+    }
+    wake_.notify_all();
+}
+
+void PlayerWorker::setRate(double rate) {
+    {
+        std::lock_guard lock(mutex_);
+        command_.rate = rate;
+        command_.rateChangedAt = clock_->now();
+    }
+    wake_.notify_all();
+}
+
+bool PlayerWorker::playing() const {
+    std::lock_guard lock(mutex_);
+    return command_.playing;
+}
+
+std::int64_t PlayerWorker::position() const {
+    std::lock_guard lock(mutex_);
+    return seekServed_ != command_.seekRequest ? command_.seekFrame
+                                               : std::max<std::int64_t>(0, onShow_);
+}
+
+bool PlayerWorker::waitSettled(std::chrono::milliseconds timeout) const {
+    std::unique_lock lock(mutex_);
+    return settled_.wait_for(lock, timeout, [this] { return seekServed_ == command_.seekRequest; });
+}
+
+void PlayerWorker::run() {
+    std::unique_lock lock(mutex_);
+    while (!command_.quit) {
+        if (seekServed_ != command_.seekRequest) {
+            serveSeek(lock);
+        } else if (command_.playing) {
+            servePlayback(lock);
+        } else if (std::chrono::steady_clock::now() < prefetchNotBefore_) {
+            // Seeks that follow each other (a dragged slider) would only throw prefetched
+            // frames away.
+            pacing_ = false;
+            wake_.wait_until(lock, prefetchNotBefore_);
+        } else {
+            pacing_ = false;
+            lock.unlock();
+            const bool fetched = prefetchOne();
+            lock.lock();
+            if (!fetched && seekServed_ == command_.seekRequest && !command_.playing &&
+                !command_.quit) {
+                wake_.wait(lock);
+            }
+        }
+    }
+}
+
+void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
+    const std::int64_t target = command_.seekFrame;
+    const std::uint64_t request = command_.seekRequest;
+    requestInHand_ = request;
+    // The frame on show asked for again is only a call to repaint, which the view does itself;
+    // playback must not lose its pace over it (it comes with every mouse move of a drawing).
+    if (target != onShow_) {
+        lock.unlock();
+        const std::int64_t shown = show(target);
+        lock.lock();
+        onShow_ = shown;
+        endSent_ = false;
+        if (pacing_) {
+            anchorAt(index_->timeMs(onShow_), anchorRate_);
+        }
+    }
+    seekServed_ = request;
+    prefetchNotBefore_ = std::chrono::steady_clock::now() + kPrefetchDelay;
+    settled_.notify_all();
+}
+
+void PlayerWorker::anchorAt(double mediaMs, double rate) {
+    anchorMs_ = mediaMs;
+    anchorRate_ = rate;
+    anchorTime_ = clock_->now();
+}
+
+void PlayerWorker::reachEnd(std::unique_lock<std::mutex>& lock) {
+    if (!endSent_) {
+        endSent_ = true;
+        if (!source_->isStillImage() && callbacks_.endReached) {
+            lock.unlock();
+            callbacks_.endReached();
+            lock.lock();
+        }
+    }
+    // Stand on the last frame until told otherwise.
+    if (seekServed_ == command_.seekRequest && command_.playing && !command_.quit &&
+        std::clamp(command_.rate, 0.25, 4.0) == anchorRate_) {
+        wake_.wait(lock);
+    }
+}
+
+void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
+    const double rate = std::clamp(command_.rate, 0.25, 4.0);
+    if (!pacing_) {
+        pacing_ = true;
+        endSent_ = false;
+        anchorMs_ = index_->timeMs(onShow_);
+        anchorRate_ = rate;
+        anchorTime_ = command_.playRequestedAt;
+    } else if (rate != anchorRate_) {
+        const auto changedAt = std::max(anchorTime_, command_.rateChangedAt);
+        anchorMs_ += toMs(changedAt - anchorTime_) * anchorRate_;
+        anchorRate_ = rate;
+        anchorTime_ = changedAt;
+    }
+    if (endSent_) {
+        reachEnd(lock);
+        return;
+    }
+    const auto now = clock_->now();
+    const double dueMs = anchorMs_ + toMs(now - anchorTime_) * anchorRate_;
+    const std::int64_t last = index_->count() - 1;
+    if (dueMs >= index_->durationMs()) {
+        if (onShow_ != last) {
+            lock.unlock();
+            const std::int64_t shown = show(last);
+            lock.lock();
+            onShow_ = shown;
+            if (superseded()) {
+                return; // a seek came first
+            }
+        }
+        reachEnd(lock);
+        return;
+    }
+
+    const std::int64_t due = index_->frameAt(dueMs);
+    if (due > onShow_) {
+        lock.unlock();
+        const std::int64_t shown = show(due);
+        lock.lock();
+        onShow_ = shown;
+        if (shown < due && !superseded()) {
+            reachEnd(lock); // the file ends before its index says: a truncated file
+        }
+        return;
+    }
+    // Sleep until the next frame worth showing is due: the next one, or at high rates the first
+    // that lies a screen refresh later, so the frames between are never converted.
+    const double soonestMs = index_->timeMs(onShow_) + toMs(kMinPresentInterval) * anchorRate_;
+    std::int64_t next = std::max(onShow_ + 1, index_->frameAt(soonestMs));
+    if (next <= last && index_->timeMs(next) < soonestMs) {
+        ++next;
+    }
+    const double nextMs = next <= last ? index_->timeMs(next) : index_->durationMs();
+    clock_->waitUntil(lock, wake_, anchorTime_ + fromMs((nextMs - anchorMs_) / anchorRate_));
+}
+
+bool PlayerWorker::prefetchOne() {
+    if (onShow_ < 0) {
+        return false;
+    }
+    const std::int64_t last = std::min(index_->count() - 1, onShow_ + kPrefetchFrames);
+    for (std::int64_t frame = onShow_ + 1; frame <= last; ++frame) {
+        if (cache_.contains(frame)) {
+            continue;
+        }
+        if (source_->expectedNext() != frame) {
+            return false; // only while decoding straight on is cheap
+        }
+        const auto decoded = source_->next();
+        if (!decoded) {
+            return false;
+        }
+        cache_.put(decoded->number, decoded->frame, onShow_);
+        return true;
+    }
+    return false;
+}
+
+bool PlayerWorker::superseded() const {
+    return quitting_ || latestRequest_ != requestInHand_;
+}
+
+std::int64_t PlayerWorker::show(std::int64_t target) {
+    const auto decoded = obtain(target);
+    if (!decoded) {
+        return std::max<std::int64_t>(0, onShow_);
+    }
+    const QImage picture = converter_.toImage(*decoded->frame);
+    if (callbacks_.framePresented) {
+        callbacks_.framePresented(picture, decoded->number);
+    }
+    return decoded->number;
+}
+
+std::optional<DecodedFrame> PlayerWorker::obtain(std::int64_t target) {
+    if (SharedFrame cached = cache_.get(target)) {
+        return DecodedFrame{std::move(cached), target};
+    }
+    return decodeTo(target);
+}
+
+std::optional<DecodedFrame> PlayerWorker::decodeTo(std::int64_t target) {
+    const std::int64_t next = source_->expectedNext();
+    std::int64_t keyframe = index_->keyframeAtOrBefore(target);
+    const bool straightOn =
+        next >= 0 && next <= target && target - next <= target - keyframe + kSeekCostInFrames;
+    // Keep the frames just before the target: the next step back finds them.
+    const std::int64_t keepFrom = target - cache_.capacity() + kPrefetchFrames + 1;
+    source_->skipUnreferencedBefore(keepFrom);
+
+    std::optional<DecodedFrame> decoded;
+    if (straightOn) {
+        decoded = source_->next();
+    } else {
+        for (;;) {
+            source_->seekToKeyframe(keyframe);
+            decoded = source_->next();
+            // Some demuxers land past the keyframe asked for; start one keyframe earlier then.
+            if (!decoded || decoded->number <= target || keyframe <= 0) {
+                break;
+            }
+            keyframe = std::max<std::int64_t>(0, index_->keyframeBefore(keyframe));
+        }
+    }
+
+    std::optional<DecodedFrame> lastDecoded;
+    while (decoded) {
+        if (superseded()) {
+            // A newer seek (a slider on the move) or a close: the rest of this group of pictures
+            // is not worth waiting for. The decoder stays where it is, ready to go on.
+            source_->skipUnreferencedBefore(-1);
+            return std::nullopt;
+        }
+        if (decoded->number >= keepFrom) {
+            cache_.put(decoded->number, decoded->frame, target);
+        }
+        if (decoded->number >= target) {
+            source_->skipUnreferencedBefore(-1);
+            return decoded;
+        }
+        lastDecoded = std::move(decoded);
+        decoded = source_->next();
+    }
+    source_->skipUnreferencedBefore(-1);
+    return lastDecoded; // the file ended early: the last frame there is
+}
+
+} // namespace ravelcue::media::ffmpeg

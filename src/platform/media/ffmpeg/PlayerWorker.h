@@ -1,0 +1,108 @@
+#pragma once
+
+#include "FrameCache.h"
+#include "FrameConverter.h"
+#include "PlaybackClock.h"
+#include "VideoFileReader.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include <QImage>
+
+namespace ravelcue::media::ffmpeg {
+
+// The thread behind one player: it owns the source, decodes, keeps the frame cache, paces
+// playback by the clock and hands each picture to be shown to framePresented. Commands from the
+// UI thread land in one small command record (latest wins) and wake the thread. The public
+// methods are thread-safe; the callbacks run on the worker thread.
+class PlayerWorker {
+public:
+    struct Callbacks {
+        std::function<void(const QImage& picture, std::int64_t frame)> framePresented;
+        std::function<void()> endReached;
+    };
+
+    // Decoded frames kept around the one on show. 1080p frames take about 3 MB each.
+    static constexpr std::size_t kCacheBudgetBytes = 160u * 1024u * 1024u;
+
+    // first: the source's first frame, already decoded by whoever opened it; it goes on show.
+    PlayerWorker(std::unique_ptr<VideoFileReader> source, DecodedFrame first,
+                 std::shared_ptr<PlaybackClock> clock, Callbacks callbacks);
+    ~PlayerWorker();
+    PlayerWorker(const PlayerWorker&) = delete;
+    PlayerWorker& operator=(const PlayerWorker&) = delete;
+
+    void seek(std::int64_t frame);
+    void play();
+    void stop();
+    void setRate(double rate);
+    bool playing() const;
+    // The frame asked for last while it is being fetched, otherwise the frame on show.
+    std::int64_t position() const;
+    // Waits until the last seek is on show; false on timeout.
+    bool waitSettled(std::chrono::milliseconds timeout) const;
+
+private:
+    struct Command {
+        std::int64_t seekFrame = 0;
+        std::uint64_t seekRequest = 0;
+        bool playing = false;
+        double rate = 1.0;
+        bool quit = false;
+        // When the call came, so that pacing does not depend on when the worker woke.
+        PlaybackClock::Duration playRequestedAt{};
+        PlaybackClock::Duration rateChangedAt{};
+    };
+
+    void run();
+    void serveSeek(std::unique_lock<std::mutex>& lock);
+    void servePlayback(std::unique_lock<std::mutex>& lock);
+    void reachEnd(std::unique_lock<std::mutex>& lock);
+    bool prefetchOne();
+    // Brings the frame into view from the cache or the decoder; returns the number shown.
+    std::int64_t show(std::int64_t target);
+    std::optional<DecodedFrame> obtain(std::int64_t target);
+    std::optional<DecodedFrame> decodeTo(std::int64_t target);
+    void anchorAt(double mediaMs, double rate);
+    // A newer seek or a close came while decoding.
+    bool superseded() const;
+
+    std::unique_ptr<VideoFileReader> source_;
+    std::shared_ptr<const FrameIndex> index_;
+    std::shared_ptr<PlaybackClock> clock_;
+    Callbacks callbacks_;
+    FrameCache cache_{kCacheBudgetBytes};
+    FrameConverter converter_;
+
+    mutable std::mutex mutex_;
+    std::condition_variable wake_;
+    mutable std::condition_variable settled_;
+    Command command_;
+    std::uint64_t seekServed_ = 0;
+    std::int64_t onShow_ = -1;
+
+    std::chrono::steady_clock::time_point prefetchNotBefore_{};
+    // Read while decoding without taking the lock.
+    std::atomic<std::uint64_t> latestRequest_{0};
+    std::atomic<bool> quitting_{false};
+    std::uint64_t requestInHand_ = 0; // worker thread only
+
+    // Playback pacing; worker thread only.
+    bool pacing_ = false;
+    bool endSent_ = false;
+    double anchorMs_ = 0;
+    double anchorRate_ = 1.0;
+    PlaybackClock::Duration anchorTime_{};
+
+    std::jthread thread_; // last: starts when everything above is ready
+};
+
+} // namespace ravelcue::media::ffmpeg

@@ -1,0 +1,247 @@
+#include "VideoFileReader.h"
+
+extern "C" {
+#include <libavutil/display.h>
+}
+
+#include <cmath>
+
+#include <QFileInfo>
+
+namespace ravelcue::media::ffmpeg {
+
+namespace {
+
+MediaError failure(int number, const QString& text) {
+    return {number, text};
+}
+
+int rotationOf(const AVStream& stream) {
+    const auto* matrix = reinterpret_cast<const int32_t*>(
+        av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
+    if (matrix == nullptr) {
+        return 0;
+    }
+    // The matrix turns counter-clockwise; the picture must be turned back the other way.
+    double degrees = -std::round(av_display_rotation_get(matrix));
+    degrees -= 360.0 * std::floor(degrees / 360.0 + 0.9 / 360.0);
+    const int quarter = static_cast<int>(std::lround(degrees / 90.0)) % 4;
+    return quarter * 90;
+}
+
+bool isImageFormat(const AVInputFormat& format) {
+    const QString name = QString::fromLatin1(format.name);
+    return name.startsWith(QLatin1String("image2")) || name.endsWith(QLatin1String("_pipe"));
+}
+
+} // namespace
+
+std::unique_ptr<VideoFileReader> VideoFileReader::open(const QString& path, MediaError& error) {
+    std::unique_ptr<VideoFileReader> source(new VideoFileReader);
+    error = source->openInput(path);
+    if (!error) {
+        error = source->buildIndex();
+    }
+    if (!error && source->stillImage_) {
+        // The image demuxers do not go back once read; reading the file anew is as cheap.
+        error = source->openInput(path);
+    }
+    if (!error) {
+        error = source->openDecoder();
+    }
+    if (!error && !source->stillImage_ && !source->seekToKeyframe(0)) {
+        error = failure(media_error::UnreadableFile,
+                        QStringLiteral("Cannot return to the first frame"));
+    }
+    if (error) {
+        return nullptr;
+    }
+    return source;
+}
+
+VideoFileReader::~VideoFileReader() = default;
+
+MediaError VideoFileReader::openInput(const QString& path) {
+    if (!QFileInfo(path).isFile()) {
+        return failure(media_error::FileNotFound, QStringLiteral("File not found: %1").arg(path));
+    }
+    AVFormatContext* context = nullptr;
+    const QByteArray name = path.toUtf8();
+    int result = avformat_open_input(&context, name.constData(), nullptr, nullptr);
+    if (result < 0) {
+        return failure(media_error::UnreadableFile,
+                       QStringLiteral("Cannot read %1: %2").arg(path, errorText(result)));
+    }
+    input_.reset(context);
+    result = avformat_find_stream_info(input_.get(), nullptr);
+    if (result < 0) {
+        return failure(media_error::UnreadableFile,
+                       QStringLiteral("Cannot read %1: %2").arg(path, errorText(result)));
+    }
+    const int streamIndex =
+        av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    if (streamIndex < 0) {
+        return failure(media_error::NoVideoStream, QStringLiteral("%1 holds no video").arg(path));
+    }
+    for (unsigned i = 0; i < input_->nb_streams; ++i) {
+        input_->streams[i]->discard =
+            static_cast<int>(i) == streamIndex ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    }
+    stream_ = input_->streams[streamIndex];
+    rotation_ = rotationOf(*stream_);
+    stillImage_ = isImageFormat(*input_->iformat);
+    return MediaError::none();
+}
+
+MediaError VideoFileReader::buildIndex() {
+    std::vector<FrameIndex::Packet> packets;
+    int result = 0;
+    while ((result = av_read_frame(input_.get(), packet_.get())) >= 0) {
+        if (packet_->stream_index == stream_->index && !(packet_->flags & AV_PKT_FLAG_DISCARD)) {
+            packets.push_back({packet_->pts, packet_->dts, packet_->duration,
+                               (packet_->flags & AV_PKT_FLAG_KEY) != 0});
+        }
+        av_packet_unref(packet_.get());
+    }
+    if (result != AVERROR_EOF && packets.empty()) {
+        return failure(media_error::UnreadableFile,
+                       QStringLiteral("Cannot read the video: %1").arg(errorText(result)));
+    }
+    if (packets.empty()) {
+        return failure(media_error::UnreadableFile, QStringLiteral("The video holds no frames"));
+    }
+    AVRational rate = stream_->avg_frame_rate;
+    if (rate.num <= 0 || rate.den <= 0) {
+        rate = stream_->r_frame_rate;
+    }
+    index_ = std::make_shared<const FrameIndex>(packets, stream_->time_base, rate);
+    return MediaError::none();
+}
+
+MediaError VideoFileReader::openDecoder() {
+    const AVCodec* decoder = avcodec_find_decoder(stream_->codecpar->codec_id);
+    if (decoder == nullptr) {
+        return failure(
+            media_error::NoDecoder,
+            QStringLiteral("No decoder for %1")
+                .arg(QString::fromLatin1(avcodec_get_name(stream_->codecpar->codec_id))));
+    }
+    codec_.reset(avcodec_alloc_context3(decoder));
+    int result = avcodec_parameters_to_context(codec_.get(), stream_->codecpar);
+    if (result >= 0) {
+        codec_->pkt_timebase = stream_->time_base;
+        codec_->thread_count = 0;
+        // Frame threads hold back each picture until more are under way: worth it for the long
+        // groups of pictures of H.264, a loss where any frame decodes alone (MJPEG).
+        codec_->thread_type =
+            index_->everyFrameIsKeyframe() ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
+        result = avcodec_open2(codec_.get(), decoder, nullptr);
+    }
+    if (result < 0) {
+        return failure(media_error::NoDecoder,
+                       QStringLiteral("Cannot open the decoder: %1").arg(errorText(result)));
+    }
+    return MediaError::none();
+}
+
+AVRational VideoFileReader::frameRate() const {
+    AVRational rate = stream_->avg_frame_rate;
+    if (rate.num > 0 && rate.den > 0) {
+        return rate;
+    }
+    const double durationMs = index_->durationMs();
+    if (durationMs > 0 && index_->count() > 0) {
+        return av_d2q(index_->count() * 1000.0 / durationMs, 100000);
+    }
+    return {25, 1};
+}
+
+bool VideoFileReader::seekToKeyframe(std::int64_t keyframe) {
+    const std::int64_t stampValue = index_->stamp(index_->clampFrame(keyframe));
+    int result = av_seek_frame(input_.get(), stream_->index, stampValue, AVSEEK_FLAG_BACKWARD);
+    if (result < 0) {
+        result =
+            avformat_seek_file(input_.get(), stream_->index, INT64_MIN, stampValue, stampValue, 0);
+    }
+    if (result < 0 && keyframe == 0) {
+        result =
+            avformat_seek_file(input_.get(), -1, INT64_MIN, INT64_MIN, INT64_MIN, AVSEEK_FLAG_BYTE);
+    }
+    avcodec_flush_buffers(codec_.get());
+    inputEnded_ = false;
+    ended_ = false;
+    lastNumber_ = index_->clampFrame(keyframe) - 1;
+    rebaseOnNextPacket_ = !index_->framesCarryStamps();
+    return result >= 0;
+}
+
+bool VideoFileReader::feedDecoder() {
+    while (!inputEnded_) {
+        const int result = av_read_frame(input_.get(), packet_.get());
+        if (result < 0) {
+            inputEnded_ = true;
+            avcodec_send_packet(codec_.get(), nullptr);
+            return true;
+        }
+        if (packet_->stream_index != stream_->index) {
+            av_packet_unref(packet_.get());
+            continue;
+        }
+        if (rebaseOnNextPacket_) {
+            // Without presentation stamps frames are counted; the count starts at the keyframe
+            // the demuxer actually landed on.
+            rebaseOnNextPacket_ = false;
+            const std::int64_t landed = index_->frameOfStamp(packet_->dts);
+            if (landed >= 0) {
+                lastNumber_ = landed - 1;
+            }
+        }
+        const bool skippable = skipBefore_ >= 0 && index_->framesCarryStamps() &&
+                               packet_->pts != AV_NOPTS_VALUE &&
+                               packet_->pts < index_->stamp(index_->clampFrame(skipBefore_));
+        codec_->skip_frame = skippable ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
+        avcodec_send_packet(codec_.get(), packet_.get()); // a damaged packet is passed over
+        av_packet_unref(packet_.get());
+        return true;
+    }
+    return false;
+}
+
+std::int64_t VideoFileReader::numberFor(const AVFrame& frame) {
+    if (index_->framesCarryStamps() && frame.pts != AV_NOPTS_VALUE) {
+        const std::int64_t number = index_->frameOfStamp(frame.pts);
+        if (number >= 0) {
+            lastNumber_ = number;
+            return number;
+        }
+    }
+    return ++lastNumber_;
+}
+
+std::optional<DecodedFrame> VideoFileReader::next() {
+    if (ended_) {
+        return std::nullopt;
+    }
+    FramePtr frame = makeFrame();
+    for (;;) {
+        const int result = avcodec_receive_frame(codec_.get(), frame.get());
+        if (result == 0) {
+            const std::int64_t number = numberFor(*frame);
+            return DecodedFrame{SharedFrame(frame.release(), FrameDeleter{}), number};
+        }
+        if (result == AVERROR_EOF) {
+            ended_ = true;
+            return std::nullopt;
+        }
+        if (result != AVERROR(EAGAIN) && inputEnded_) {
+            ended_ = true;
+            return std::nullopt;
+        }
+        if (!feedDecoder()) {
+            ended_ = true;
+            return std::nullopt;
+        }
+    }
+}
+
+} // namespace ravelcue::media::ffmpeg
