@@ -2,7 +2,7 @@
 
 #include "MainWindow.h"
 #include "core/ToneBus.h"
-#include "platform/media/DetachedEngine.h"
+#include "platform/media/ffmpeg/FfmpegEngine.h"
 #include "platform/settings/QSettingsStore.h"
 #include "platform/ui/Clock.h"
 #include "platform/ui/Desktop.h"
@@ -55,7 +55,7 @@ int runRavelcue(int& argc, char** argv, const RunOptions& options) {
     popup.ShowPopup(QStringLiteral("Loading Ravelcue. Please standby...."), 0);
 
     ToneBus tones;
-    media::DetachedEngine engine;
+    media::ffmpeg::FfmpegEngine engine(tones);
     QSettingsStore store;
     const AppPaths paths{commonDataFolder(), QCoreApplication::applicationDirPath()};
     ui::SystemDesktop desktop;

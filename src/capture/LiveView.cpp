@@ -41,7 +41,8 @@ LiveView::LiveView(ui::WindowContext& context, QWidget* client)
         view->setObjectName(ui::indexedName(QStringLiteral("VideoCapXCapture"), i));
         view->setGeometry(0, 0, 800, 600);
         view->show();
-        connect(view, &media::VideoView::PictureDoubleClick, this, [this, i] { PictureDoubleClick(i); });
+        connect(view, &media::VideoView::PictureDoubleClick, this,
+                [this, i] { PictureDoubleClick(i); });
         connect(view, &media::VideoView::mousePressed, this,
                 [this](int button, int, double, double) {
                     if (button == 2) {
