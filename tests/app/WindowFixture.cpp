@@ -1,6 +1,9 @@
 #include "WindowFixture.h"
 
 #include "core/AppSettings.h"
+#include "platform/media/DeviceCatalog.h"
+#include "platform/media/VideoView.h"
+#include "platform/media/ffmpeg/FfmpegEngine.h"
 #include "platform/ui/StatusPanels.h"
 
 #include <QStatusBar>
@@ -12,6 +15,40 @@ namespace ravelcue::test {
 
 WindowFixture::WindowFixture(media::MediaEngine* engine)
     : engine_(engine != nullptr ? engine : &recorder) {}
+
+WindowFixture::WindowFixture(DemoDevices demo)
+    : engine_(nullptr) {
+    media::ffmpeg::FfmpegEngineOptions options;
+    options.demoMicrophoneSeed = demo.microphoneSeed;
+    options.randomDemoSeed = false;
+    ownEngine_ = std::make_unique<media::ffmpeg::FfmpegEngine>(tones, options);
+    engine_ = ownEngine_.get();
+}
+
+void WindowFixture::enableDemoDevices() {
+    media::DeviceCatalog& devices = engine_->devices();
+    int camera = 0;
+    for (int i = 0; i < devices.VideoDeviceCount() && camera < 4; ++i) {
+        const QString name = devices.VideoDeviceName(i);
+        if (name.startsWith(QLatin1String("Demo Camera"))) {
+            store.writeText(cameraSettingName("Video Source-", camera),
+                            QStringLiteral("%1(%2)").arg(name).arg(i).toStdString());
+            store.writeText(cameraSettingName("Video Device Index-", camera), std::to_string(i));
+            store.writeText(cameraSettingName("CamEnable-", camera), "1");
+            ++camera;
+        }
+    }
+    for (int i = 0; i < devices.AudioDeviceCount(); ++i) {
+        if (devices.AudioDeviceName(i) == QLatin1String("Demo Microphone")) {
+            store.writeText("Audio Source", "Demo Microphone");
+            store.writeText("Audio Device Index", std::to_string(i));
+        }
+    }
+}
+
+bool WindowFixture::waitForPicture(media::VideoView* view) {
+    return QTest::qWaitFor([view] { return !view->pictureSize().isEmpty(); }, 10000);
+}
 
 WindowFixture::~WindowFixture() {
     if (window_) {

@@ -11,6 +11,7 @@
 #include "support/ScriptedPrompts.h"
 #include "support/TempFolder.h"
 
+#include <cstdint>
 #include <memory>
 
 #include <QAbstractButton>
@@ -20,17 +21,29 @@
 
 namespace ravelcue::test {
 
+// Builds the fixture on the FFmpeg engine with its demo devices.
+struct DemoDevices {
+    std::uint64_t microphoneSeed = 1;
+};
+
 // A main window on temporary folders, an in-memory settings store, scripted prompts and a clock
 // running fifty times fast. The engine is a RecordingEngine unless another is given.
 class WindowFixture {
 public:
     explicit WindowFixture(media::MediaEngine* engine = nullptr);
+    // The real engine: demo cameras and the demo microphone, hearing the fixture's tones.
+    explicit WindowFixture(DemoDevices demo);
     ~WindowFixture();
 
     // Stores the answer to the first-run question, so that start-up asks nothing.
     void answeredUpdateQuestion(const char* answer = "0");
     // Stores a source and enables the camera.
     void enableCamera(int camera, const std::string& source = "Demo Camera");
+    // Enables cameras 0..3 on Demo Camera 1..4 and the Demo Microphone (the real engine's
+    // devices on a machine without hardware).
+    void enableDemoDevices();
+    // Waits, serving events, until the picture shows a frame; false after 10 s.
+    static bool waitForPicture(media::VideoView* view);
 
     // Builds the window, runs start-up and shows it.
     app::MainWindow& start();
@@ -61,6 +74,7 @@ public:
     QString downloadUrl;
 
 private:
+    std::unique_ptr<media::MediaEngine> ownEngine_;
     media::MediaEngine* engine_;
     std::unique_ptr<app::MainWindow> window_;
 };
