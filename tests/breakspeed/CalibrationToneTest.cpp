@@ -16,8 +16,6 @@
 namespace ravelcue::test {
 namespace {
 
-using breakspeed::WaveformBox;
-
 class CalibrationTone : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { server_ = std::make_unique<PrivateSoundServer>(); }
@@ -26,11 +24,6 @@ protected:
         if (!server_->running() || QMediaDevices::audioOutputs().isEmpty()) {
             GTEST_SKIP() << "no PulseAudio server to play into";
         }
-    }
-
-    // The column whose left edge lies nearest to X.
-    static int nearestColumn(const WaveformBox* box, double x) {
-        return static_cast<int>(std::lround(x * box->canvas().width() / box->scale().width));
     }
 
     static inline std::unique_ptr<PrivateSoundServer> server_;
@@ -64,36 +57,13 @@ TEST_F(CalibrationTone, OneSecondMarkedByHandReadsFive) {
     EXPECT_EQ(w.field("txtSpeed"), "0.000");
     EXPECT_EQ(w.field("txtDeltaTime"), "");
 
-    // Find the tone's block in the recording as the eye finds it in Picture1.
+    // The tone's block, marked by hand across its two ends.
     const breakspeed::LoadedAudio audio = breakspeed::LoadAudioFile(w.recording().toStdString());
-    int first = 0;
-    int last = 0;
-    // The left channel after the 44-byte header; the tone starts with the recording.
-    for (int i = 22; i + 1 < static_cast<int>(audio.samples.size()); i += 2) {
-        if (std::abs(audio.samples[static_cast<size_t>(i)]) > 2000) {
-            first = first == 0 ? i : first;
-            last = i;
-        }
-    }
-    ASSERT_GT(last - first, 80000);
-    WaveformBox* picture1 = w.pane().picture1();
-    WaveformBox* picture2 = w.pane().picture2();
-    const int selFrom = std::max(picture1->columnAt(first - 8820), 0);
-    BreakSpeedWindow::drag(picture1, selFrom, picture1->columnAt(last + 8820) + 1);
-    const double selStart = std::round(picture1->xAt(selFrom));
-
-    // Marks on its two ends; a person nudges the second by a pixel if the reading is off.
-    const int start = nearestColumn(picture2, first - selStart);
-    const int end = nearestColumn(picture2, last - selStart);
-    QStringList readings;
-    for (const int nudge : {0, -1, 1}) {
-        BreakSpeedWindow::drag(picture2, start, end + nudge);
-        readings << w.field("txtSpeed");
-        if (readings.last() == "5.00") {
-            break;
-        }
-    }
-    EXPECT_EQ(readings.last(), "5.00") << readings.join(", ").toStdString();
+    const auto block =
+        BreakSpeedWindow::markLoudBlock(w.pane().picture1(), w.pane().picture2(), audio.samples,
+                                        "5.00", [&] { return w.field("txtSpeed"); });
+    ASSERT_GT(block.last - block.first, 80000);
+    EXPECT_EQ(block.readings.last(), "5.00") << block.readings.join(", ").toStdString();
 
     // The next capture puts the configured distance back.
     w.fixture.click("cmdStartBreakSpeed");
