@@ -21,6 +21,8 @@ public:
     // Sets panel 1 and empties panels 2 to 5.
     void setActivity(const QString& text);
 
+    QSize minimumSizeHint() const override;
+
 private:
     std::array<QLabel*, 5> panels_{};
 };
