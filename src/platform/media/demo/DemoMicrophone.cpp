@@ -56,6 +56,17 @@ std::int16_t clamp16(double value) {
     return static_cast<std::int16_t>(std::clamp(std::lround(value), -32768L, 32767L));
 }
 
+// The crash lies on a whole sample, so the speed a break is drawn at is taken to the nearest
+// delay a recording can hold; that is the speed the break plays and measures at.
+std::int64_t crashDelayFrames(double speedMph) {
+    return std::llround(demoBreakDelaySeconds(speedMph) * kRate);
+}
+
+double playedSpeed(std::uint64_t seed, int n) {
+    const double drawn = 15.0 + 15.0 * uniform(seed, 3, static_cast<std::uint64_t>(n));
+    return kDemoBreakDistanceInches * 0.0568 * kRate / double(crashDelayFrames(drawn));
+}
+
 } // namespace
 
 DemoBreak demoBreak(std::uint64_t seed, int n) {
@@ -63,7 +74,7 @@ DemoBreak demoBreak(std::uint64_t seed, int n) {
     for (int i = 1; i <= n; ++i) {
         start += 4.0 + 2.0 * uniform(seed, 2, static_cast<std::uint64_t>(i));
     }
-    return {start, 15.0 + 15.0 * uniform(seed, 3, static_cast<std::uint64_t>(n))};
+    return {start, playedSpeed(seed, n)};
 }
 
 double demoBreakDelaySeconds(double speedMph) {
@@ -78,9 +89,8 @@ void DemoSoundSynth::setBreaks(std::int64_t recordingStartFrame, std::uint64_t s
         if (n > 0) {
             start += 4.0 + 2.0 * uniform(seed, 2, static_cast<std::uint64_t>(n));
         }
-        const double speed = 15.0 + 15.0 * uniform(seed, 3, static_cast<std::uint64_t>(n));
         const std::int64_t click = recordingStartFrame + std::llround(start * kRate);
-        breaks_.push_back({click, click + std::llround(demoBreakDelaySeconds(speed) * kRate)});
+        breaks_.push_back({click, click + crashDelayFrames(playedSpeed(seed, n))});
     }
 }
 

@@ -17,7 +17,7 @@ namespace ravelcue::media {
 // speedMph takes over 48 inches less its own 2.25-inch diameter.
 struct DemoBreak {
     double startSeconds = 0; // the click, from the start of the recording
-    double speedMph = 0;     // 15 to 30
+    double speedMph = 0;     // 15 to 30, as played: the crash lies on the sample it gives
 };
 
 inline constexpr double kDemoBreakDistanceInches = 48.0 - 2.25;
