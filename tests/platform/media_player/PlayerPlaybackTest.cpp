@@ -70,6 +70,32 @@ TEST(PlayerPlayback, FollowsTheClockAtEveryRateAndReportsTheEnd) {
     EXPECT_TRUE(waitForFrameNumber(player, 2));
 }
 
+// What keeps the players of a Set together: a pause lands on the frame due at the call and
+// reports it at once, and a seek while playing counts from the call, not from whenever its frame
+// was ready.
+TEST(PlayerPlayback, PausesAndSeeksCountFromTheCall) {
+    TempFolder folder;
+    auto clock = std::make_shared<ManualClock>();
+    FfmpegPlayer player(clock);
+    ASSERT_TRUE(player.PlayerOpen(makeClip(folder)).ok());
+
+    player.PlayerPlay();
+    clock->advanceMs(40);
+    EXPECT_TRUE(waitForFrameNumber(player, 1));
+    clock->advanceMs(160);
+    player.PlayerStop();
+    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
+    ASSERT_TRUE(player.waitForFrame());
+    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
+
+    player.PlayerPlay();
+    clock->advanceMs(40);
+    EXPECT_TRUE(waitForFrameNumber(player, 6));
+    player.PlayerSetFrame(30);
+    clock->advanceMs(120);
+    EXPECT_TRUE(waitForFrameNumber(player, 33));
+}
+
 // Nothing a caller does to a closed player, or with positions outside the file, fails.
 TEST(PlayerPlayback, ClosedPlayersAndPositionsOutsideTheFileAreHarmless) {
     TempFolder folder;
