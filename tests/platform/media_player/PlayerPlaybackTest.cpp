@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -71,9 +72,9 @@ TEST(PlayerPlayback, FollowsTheClockAtEveryRateAndReportsTheEnd) {
 }
 
 // What keeps the players of a Set together: a pause lands on the frame due at the call and
-// reports it at once, and a seek while playing counts from the call, not from whenever its frame
-// was ready.
-TEST(PlayerPlayback, PausesAndSeeksCountFromTheCall) {
+// reports it at once, a seek while playing counts from the call, not from whenever its frame was
+// ready, and a seek overtakes an end not yet delivered.
+TEST(PlayerPlayback, PausesSeeksAndEndsKeepASetTogether) {
     TempFolder folder;
     auto clock = std::make_shared<ManualClock>();
     FfmpegPlayer player(clock);
@@ -94,6 +95,19 @@ TEST(PlayerPlayback, PausesAndSeeksCountFromTheCall) {
     player.PlayerSetFrame(30);
     clock->advanceMs(120);
     EXPECT_TRUE(waitForFrameNumber(player, 33));
+
+    // An end that a seek overtook before it was delivered is not reported: in a Set the first
+    // member's end sends them all back, and the ends of the others are old news by then.
+    QSignalSpy ends(&player, &FfmpegPlayer::PlayerEnd);
+    clock->advanceMs(1000);
+    for (int wait = 0; wait < 3000 && player.PlayerGetFrame() != 49.0; ++wait) {
+        QThread::msleep(1); // no events: the end stays undelivered
+    }
+    ASSERT_EQ(player.PlayerGetFrame(), 49.0);
+    QThread::msleep(50);
+    player.PlayerSetPos(0);
+    QTest::qWait(50);
+    EXPECT_EQ(ends.count(), 0);
 }
 
 // Nothing a caller does to a closed player, or with positions outside the file, fails.

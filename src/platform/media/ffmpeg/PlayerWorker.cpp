@@ -209,7 +209,7 @@ void PlayerWorker::reachEnd(std::unique_lock<std::mutex>& lock) {
         endSent_ = true;
         if (!source_->isStillImage() && callbacks_.endReached) {
             lock.unlock();
-            callbacks_.endReached();
+            callbacks_.endReached(requestInHand_);
             lock.lock();
         }
     }

@@ -27,7 +27,9 @@ class PlayerWorker {
 public:
     struct Callbacks {
         std::function<void(const QImage& picture, std::int64_t frame)> framePresented;
-        std::function<void()> endReached;
+        // seekServed: the last seek served before the end, to tell an end that a later seek
+        // has overtaken.
+        std::function<void(std::uint64_t seekServed)> endReached;
     };
 
     // Decoded frames kept around the one on show. 1080p frames take about 3 MB each.
@@ -45,6 +47,8 @@ public:
     void stop();
     void setRate(double rate);
     bool playing() const;
+    // The number of the last seek asked for; thread-safe.
+    std::uint64_t latestSeekRequest() const { return latestRequest_; }
     // The frame asked for last while it is being fetched, otherwise the frame on show. Straight
     // after a stop it waits for the frame the player stops on.
     std::int64_t position() const;
