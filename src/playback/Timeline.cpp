@@ -48,6 +48,9 @@ Timeline::Timeline(QWidget* parent)
     auto* style = new TimelineStyle;
     style->setParent(this);
     setStyle(style);
+    // The timeline lies over the foot of the player panes; drawn straight onto the picture its
+    // groove and ticks would be lost in the video.
+    setAutoFillBackground(true);
     connect(this, &QAbstractSlider::valueChanged, this, [this] {
         if (!quiet_) {
             emit scrolled();

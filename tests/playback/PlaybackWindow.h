@@ -11,12 +11,19 @@
 
 namespace ravelcue::test {
 
-// The main window started on a recording engine (or the one given), with helpers to make files
-// in its data folder, open them through the dialogs and work the timeline with the mouse.
+// The main window started on a recording engine (or the one given, or the FFmpeg engine), with
+// helpers to make files in its data folder, open them through the dialogs and work the timeline
+// with the mouse.
 class PlaybackWindow {
 public:
     explicit PlaybackWindow(media::MediaEngine* engine = nullptr)
         : fixture(engine) {
+        fixture.answeredUpdateQuestion();
+        fixture.start();
+    }
+    // On the FFmpeg engine, no camera enabled.
+    explicit PlaybackWindow(DemoDevices demo)
+        : fixture(demo) {
         fixture.answeredUpdateQuestion();
         fixture.start();
     }

@@ -62,7 +62,7 @@ public:
     virtual VideoView* view() const = 0;
 
 signals:
-    // The file played to its end.
+    // The file played to its end. Not sent when a seek asked for after the end overtook it.
     void PlayerEnd();
 };
 

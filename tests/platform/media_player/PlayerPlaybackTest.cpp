@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -68,6 +69,45 @@ TEST(PlayerPlayback, FollowsTheClockAtEveryRateAndReportsTheEnd) {
     ASSERT_TRUE(player.waitForFrame());
     clock->advanceMs(80);
     EXPECT_TRUE(waitForFrameNumber(player, 2));
+}
+
+// What keeps the players of a Set together: a pause lands on the frame due at the call and
+// reports it at once, a seek while playing counts from the call, not from whenever its frame was
+// ready, and a seek overtakes an end not yet delivered.
+TEST(PlayerPlayback, PausesSeeksAndEndsKeepASetTogether) {
+    TempFolder folder;
+    auto clock = std::make_shared<ManualClock>();
+    FfmpegPlayer player(clock);
+    ASSERT_TRUE(player.PlayerOpen(makeClip(folder)).ok());
+
+    player.PlayerPlay();
+    clock->advanceMs(40);
+    EXPECT_TRUE(waitForFrameNumber(player, 1));
+    clock->advanceMs(160);
+    player.PlayerStop();
+    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
+    ASSERT_TRUE(player.waitForFrame());
+    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
+
+    player.PlayerPlay();
+    clock->advanceMs(40);
+    EXPECT_TRUE(waitForFrameNumber(player, 6));
+    player.PlayerSetFrame(30);
+    clock->advanceMs(120);
+    EXPECT_TRUE(waitForFrameNumber(player, 33));
+
+    // An end that a seek overtook before it was delivered is not reported: in a Set the first
+    // member's end sends them all back, and the ends of the others are old news by then.
+    QSignalSpy ends(&player, &FfmpegPlayer::PlayerEnd);
+    clock->advanceMs(1000);
+    for (int wait = 0; wait < 3000 && player.PlayerGetFrame() != 49.0; ++wait) {
+        QThread::msleep(1); // no events: the end stays undelivered
+    }
+    ASSERT_EQ(player.PlayerGetFrame(), 49.0);
+    QThread::msleep(50);
+    player.PlayerSetPos(0);
+    QTest::qWait(50);
+    EXPECT_EQ(ends.count(), 0);
 }
 
 // Nothing a caller does to a closed player, or with positions outside the file, fails.

@@ -46,9 +46,18 @@ MediaError FfmpegPlayer::PlayerOpen(const QString& path) {
     callbacks.framePresented = [this](const QImage& picture, std::int64_t frame) {
         present(picture, frame);
     };
-    callbacks.endReached = [this] {
+    const std::uint64_t opening = ++openings_;
+    callbacks.endReached = [this, opening](std::uint64_t seekServed) {
         QMetaObject::invokeMethod(
-            this, [this] { emit PlayerEnd(); }, Qt::QueuedConnection);
+            this,
+            [this, opening, seekServed] {
+                // Sent somewhere else since (by the end of another player of a Set, or the
+                // timeline), the player is no longer at the end it reported.
+                if (opening == openings_ && worker_ && worker_->latestSeekRequest() == seekServed) {
+                    emit PlayerEnd();
+                }
+            },
+            Qt::QueuedConnection);
     };
     worker_ = std::make_unique<PlayerWorker>(std::move(source), std::move(*first), clock_,
                                              std::move(callbacks));

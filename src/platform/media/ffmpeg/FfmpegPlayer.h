@@ -76,6 +76,7 @@ private:
     std::unique_ptr<PlayerWorker> worker_;
     QSize pictureSize_;
     double rate_ = 1.0;
+    std::uint64_t openings_ = 0;
     bool connected_ = false;
     int renderMode_ = 0;
 

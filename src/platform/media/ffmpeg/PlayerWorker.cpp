@@ -55,6 +55,7 @@ void PlayerWorker::seek(std::int64_t frame) {
     {
         std::lock_guard lock(mutex_);
         command_.seekFrame = index_->clampFrame(frame);
+        command_.seekRequestedAt = clock_->now();
         ++command_.seekRequest;
         latestRequest_ = command_.seekRequest;
     }
@@ -75,7 +76,12 @@ void PlayerWorker::play() {
 void PlayerWorker::stop() {
     {
         std::lock_guard lock(mutex_);
+        if (!command_.playing) {
+            return;
+        }
         command_.playing = false;
+        command_.stopRequestedAt = clock_->now();
+        ++command_.stopRequest;
     }
     wake_.notify_all();
 }
@@ -95,14 +101,20 @@ bool PlayerWorker::playing() const {
 }
 
 std::int64_t PlayerWorker::position() const {
-    std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
+    // Players paused together report the frames they stop on, not the ones they passed on the
+    // way; landing takes at most one frame's decoding.
+    settled_.wait_for(lock, std::chrono::seconds(2),
+                      [this] { return stopServed_ == command_.stopRequest || command_.quit; });
     return seekServed_ != command_.seekRequest ? command_.seekFrame
                                                : std::max<std::int64_t>(0, onShow_);
 }
 
 bool PlayerWorker::waitSettled(std::chrono::milliseconds timeout) const {
     std::unique_lock lock(mutex_);
-    return settled_.wait_for(lock, timeout, [this] { return seekServed_ == command_.seekRequest; });
+    return settled_.wait_for(lock, timeout, [this] {
+        return seekServed_ == command_.seekRequest && stopServed_ == command_.stopRequest;
+    });
 }
 
 void PlayerWorker::run() {
@@ -110,6 +122,8 @@ void PlayerWorker::run() {
     while (!command_.quit) {
         if (seekServed_ != command_.seekRequest) {
             serveSeek(lock);
+        } else if (stopServed_ != command_.stopRequest) {
+            landStop(lock);
         } else if (command_.playing) {
             servePlayback(lock);
         } else if (std::chrono::steady_clock::now() < prefetchNotBefore_) {
@@ -122,8 +136,8 @@ void PlayerWorker::run() {
             lock.unlock();
             const bool fetched = prefetchOne();
             lock.lock();
-            if (!fetched && seekServed_ == command_.seekRequest && !command_.playing &&
-                !command_.quit) {
+            if (!fetched && seekServed_ == command_.seekRequest &&
+                stopServed_ == command_.stopRequest && !command_.playing && !command_.quit) {
                 wake_.wait(lock);
             }
         }
@@ -133,6 +147,7 @@ void PlayerWorker::run() {
 void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
     const std::int64_t target = command_.seekFrame;
     const std::uint64_t request = command_.seekRequest;
+    const PlaybackClock::Duration requestedAt = command_.seekRequestedAt;
     requestInHand_ = request;
     // The frame on show asked for again is only a call to repaint, which the view does itself;
     // playback must not lose its pace over it (it comes with every mouse move of a drawing).
@@ -143,7 +158,10 @@ void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
         onShow_ = shown;
         endSent_ = false;
         if (pacing_) {
-            anchorAt(index_->timeMs(onShow_), anchorRate_);
+            // From the moment of the call: players sent to one place together play on in step,
+            // however long each took to get there.
+            followRateChange();
+            anchorAt(index_->timeMs(onShow_), anchorRate_, std::max(anchorTime_, requestedAt));
         }
     }
     seekServed_ = request;
@@ -151,10 +169,39 @@ void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
     settled_.notify_all();
 }
 
-void PlayerWorker::anchorAt(double mediaMs, double rate) {
+void PlayerWorker::anchorAt(double mediaMs, double rate, PlaybackClock::Duration at) {
     anchorMs_ = mediaMs;
     anchorRate_ = rate;
-    anchorTime_ = clock_->now();
+    anchorTime_ = at;
+}
+
+void PlayerWorker::followRateChange() {
+    const double rate = std::clamp(command_.rate, 0.25, 4.0);
+    if (rate != anchorRate_) {
+        const auto changedAt = std::max(anchorTime_, command_.rateChangedAt);
+        anchorMs_ += toMs(changedAt - anchorTime_) * anchorRate_;
+        anchorRate_ = rate;
+        anchorTime_ = changedAt;
+    }
+}
+
+void PlayerWorker::landStop(std::unique_lock<std::mutex>& lock) {
+    const std::uint64_t request = command_.stopRequest;
+    if (pacing_) {
+        followRateChange();
+        const double dueMs = anchorMs_ + toMs(command_.stopRequestedAt - anchorTime_) * anchorRate_;
+        const std::int64_t due =
+            std::min(index_->count() - 1, index_->frameAt(std::min(dueMs, index_->durationMs())));
+        if (due > onShow_) {
+            lock.unlock();
+            const std::int64_t shown = show(due);
+            lock.lock();
+            onShow_ = shown;
+        }
+        pacing_ = false;
+    }
+    stopServed_ = request;
+    settled_.notify_all();
 }
 
 void PlayerWorker::reachEnd(std::unique_lock<std::mutex>& lock) {
@@ -162,7 +209,7 @@ void PlayerWorker::reachEnd(std::unique_lock<std::mutex>& lock) {
         endSent_ = true;
         if (!source_->isStillImage() && callbacks_.endReached) {
             lock.unlock();
-            callbacks_.endReached();
+            callbacks_.endReached(requestInHand_);
             lock.lock();
         }
     }
@@ -174,18 +221,13 @@ void PlayerWorker::reachEnd(std::unique_lock<std::mutex>& lock) {
 }
 
 void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
-    const double rate = std::clamp(command_.rate, 0.25, 4.0);
     if (!pacing_) {
         pacing_ = true;
         endSent_ = false;
-        anchorMs_ = index_->timeMs(onShow_);
-        anchorRate_ = rate;
-        anchorTime_ = command_.playRequestedAt;
-    } else if (rate != anchorRate_) {
-        const auto changedAt = std::max(anchorTime_, command_.rateChangedAt);
-        anchorMs_ += toMs(changedAt - anchorTime_) * anchorRate_;
-        anchorRate_ = rate;
-        anchorTime_ = changedAt;
+        anchorAt(index_->timeMs(onShow_), std::clamp(command_.rate, 0.25, 4.0),
+                 command_.playRequestedAt);
+    } else {
+        followRateChange();
     }
     if (endSent_) {
         reachEnd(lock);

@@ -27,7 +27,9 @@ class PlayerWorker {
 public:
     struct Callbacks {
         std::function<void(const QImage& picture, std::int64_t frame)> framePresented;
-        std::function<void()> endReached;
+        // seekServed: the last seek served before the end, to tell an end that a later seek
+        // has overtaken.
+        std::function<void(std::uint64_t seekServed)> endReached;
     };
 
     // Decoded frames kept around the one on show. 1080p frames take about 3 MB each.
@@ -45,33 +47,43 @@ public:
     void stop();
     void setRate(double rate);
     bool playing() const;
-    // The frame asked for last while it is being fetched, otherwise the frame on show.
+    // The number of the last seek asked for; thread-safe.
+    std::uint64_t latestSeekRequest() const { return latestRequest_; }
+    // The frame asked for last while it is being fetched, otherwise the frame on show. Straight
+    // after a stop it waits for the frame the player stops on.
     std::int64_t position() const;
-    // Waits until the last seek is on show; false on timeout.
+    // Waits until the last seek or stop is on show; false on timeout.
     bool waitSettled(std::chrono::milliseconds timeout) const;
 
 private:
     struct Command {
         std::int64_t seekFrame = 0;
         std::uint64_t seekRequest = 0;
+        std::uint64_t stopRequest = 0;
         bool playing = false;
         double rate = 1.0;
         bool quit = false;
-        // When the call came, so that pacing does not depend on when the worker woke.
+        // When the call came, so that pacing does not depend on when the worker woke, and
+        // players told together stay together.
         PlaybackClock::Duration playRequestedAt{};
+        PlaybackClock::Duration stopRequestedAt{};
+        PlaybackClock::Duration seekRequestedAt{};
         PlaybackClock::Duration rateChangedAt{};
     };
 
     void run();
     void serveSeek(std::unique_lock<std::mutex>& lock);
+    // Shows the frame that was due when the stop was asked for, and ends the pacing.
+    void landStop(std::unique_lock<std::mutex>& lock);
     void servePlayback(std::unique_lock<std::mutex>& lock);
+    void followRateChange();
     void reachEnd(std::unique_lock<std::mutex>& lock);
     bool prefetchOne();
     // Brings the frame into view from the cache or the decoder; returns the number shown.
     std::int64_t show(std::int64_t target);
     std::optional<DecodedFrame> obtain(std::int64_t target);
     std::optional<DecodedFrame> decodeTo(std::int64_t target);
-    void anchorAt(double mediaMs, double rate);
+    void anchorAt(double mediaMs, double rate, PlaybackClock::Duration at);
     // A newer seek or a close came while decoding.
     bool superseded() const;
 
@@ -87,6 +99,7 @@ private:
     mutable std::condition_variable settled_;
     Command command_;
     std::uint64_t seekServed_ = 0;
+    std::uint64_t stopServed_ = 0;
     std::int64_t onShow_ = -1;
 
     std::chrono::steady_clock::time_point prefetchNotBefore_{};
