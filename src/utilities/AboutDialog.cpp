@@ -1,5 +1,6 @@
 #include "AboutDialog.h"
 
+#include "platform/ui/Controls.h"
 #include "platform/ui/Desktop.h"
 
 #include <QDir>
@@ -16,16 +17,10 @@ namespace ravelcue::utilities {
 
 namespace {
 
-QLabel* namedLabel(QWidget* parent, const QString& name, const QString& text) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    return label;
-}
-
 // A label that shows its text as a link and hands its target to the desktop when clicked.
 QLabel* linkLabel(QWidget* parent, const QString& name, const QString& text, const QUrl& target,
                   ui::Desktop& desktop) {
-    QLabel* label = namedLabel(
+    QLabel* label = ui::makeDialogLabel(
         parent, name,
         QStringLiteral("<a href=\"%1\">%2</a>")
             .arg(target.toString(QUrl::FullyEncoded).toHtmlEscaped(), text.toHtmlEscaped()));
@@ -64,9 +59,9 @@ AboutDialog::AboutDialog(const AboutFacts& facts, ui::Desktop& desktop, QWidget*
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About ") + facts.title);
 
-    QLabel* picIcon = namedLabel(this, QStringLiteral("picIcon"), QString());
+    QLabel* picIcon = ui::makeDialogLabel(this, QStringLiteral("picIcon"), QString());
     picIcon->setPixmap(productPicture());
-    QLabel* lblTitle = namedLabel(this, QStringLiteral("lblTitle"), facts.title);
+    QLabel* lblTitle = ui::makeDialogLabel(this, QStringLiteral("lblTitle"), facts.title);
     QFont titleFont = lblTitle->font();
     titleFont.setPointSize(titleFont.pointSize() + 8);
     titleFont.setBold(true);
@@ -75,32 +70,36 @@ AboutDialog::AboutDialog(const AboutFacts& facts, ui::Desktop& desktop, QWidget*
     const QString programFolder = QDir::toNativeSeparators(facts.programFolder);
     const QString dataFolder = QDir::toNativeSeparators(facts.dataFolder);
     auto* grid = new QGridLayout;
-    grid->addWidget(namedLabel(this, QStringLiteral("Label5"), QStringLiteral("Version: ")), 0, 0);
-    grid->addWidget(namedLabel(this, QStringLiteral("lblVersion"), facts.version), 0, 1);
-    grid->addWidget(namedLabel(this, QStringLiteral("Label2"), QStringLiteral("Program : ")), 1, 0);
+    grid->addWidget(
+        ui::makeDialogLabel(this, QStringLiteral("Label5"), QStringLiteral("Version: ")), 0, 0);
+    grid->addWidget(ui::makeDialogLabel(this, QStringLiteral("lblVersion"), facts.version), 0, 1);
+    grid->addWidget(
+        ui::makeDialogLabel(this, QStringLiteral("Label2"), QStringLiteral("Program : ")), 1, 0);
     grid->addWidget(linkLabel(this, QStringLiteral("URLLabel3"), programFolder,
                               QUrl::fromLocalFile(facts.programFolder), desktop),
                     1, 1);
-    grid->addWidget(namedLabel(this, QStringLiteral("Label3"), QStringLiteral("Data : ")), 2, 0);
+    grid->addWidget(ui::makeDialogLabel(this, QStringLiteral("Label3"), QStringLiteral("Data : ")),
+                    2, 0);
     grid->addWidget(linkLabel(this, QStringLiteral("URLLabel4"), dataFolder,
                               QUrl::fromLocalFile(facts.dataFolder), desktop),
                     2, 1);
-    grid->addWidget(namedLabel(this, QStringLiteral("Label4"),
-                               QStringLiteral("(Click the above links to open folders)")),
+    grid->addWidget(ui::makeDialogLabel(this, QStringLiteral("Label4"),
+                                        QStringLiteral("(Click the above links to open folders)")),
                     3, 1);
-    grid->addWidget(namedLabel(this, QStringLiteral("Label1"), QStringLiteral("Web Address:")), 4,
-                    0);
+    grid->addWidget(
+        ui::makeDialogLabel(this, QStringLiteral("Label1"), QStringLiteral("Web Address:")), 4, 0);
     grid->addWidget(linkLabel(this, QStringLiteral("URLLabel2"), facts.webAddress,
                               QUrl(facts.webAddress), desktop),
                     4, 1);
-    grid->addWidget(namedLabel(this, QStringLiteral("lblDescription"), QStringLiteral("Email: ")),
-                    5, 0);
+    grid->addWidget(
+        ui::makeDialogLabel(this, QStringLiteral("lblDescription"), QStringLiteral("Email: ")), 5,
+        0);
     grid->addWidget(linkLabel(this, QStringLiteral("URLLabel1"), facts.contactMail,
                               QUrl(QStringLiteral("mailto:") + facts.contactMail), desktop),
                     5, 1);
     grid->setColumnStretch(1, 1);
 
-    QLabel* lblDisclaimer = namedLabel(
+    QLabel* lblDisclaimer = ui::makeDialogLabel(
         this, QStringLiteral("lblDisclaimer"),
         QStringLiteral("Warning: %1 is provided \"as is\", without warranty of any kind, express "
                        "or implied. In no event shall its authors be liable for any claim, damage "

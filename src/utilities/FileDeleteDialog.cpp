@@ -4,6 +4,7 @@
 #include "ListViewSort.h"
 #include "core/Rounding.h"
 #include "core/Twips.h"
+#include "platform/ui/Controls.h"
 #include "platform/ui/HelpWindow.h"
 #include "platform/ui/Prompts.h"
 
@@ -23,21 +24,6 @@ namespace ravelcue::utilities {
 namespace {
 
 constexpr int kHelpTopic = 20;
-
-QPushButton* namedButton(QWidget* parent, const QString& name, const QString& caption,
-                         const QString& toolTip = {}) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(name);
-    button->setToolTip(toolTip);
-    button->setAutoDefault(false);
-    return button;
-}
-
-QLabel* namedLabel(QWidget* parent, const QString& name, const QString& text) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    return label;
-}
 
 QCheckBox* selectAllBox(QWidget* parent, const QString& name) {
     auto* box = new QCheckBox(QStringLiteral("Select/Deselect All"), parent);
@@ -73,26 +59,26 @@ FileDeleteDialog::FileDeleteDialog(const QString& dataFolder,
     setWindowTitle(QStringLiteral("File Delete"));
     setSizeGripEnabled(true);
 
-    Label1_ =
-        namedLabel(this, QStringLiteral("Label1"), QStringLiteral("Check the files to be deleted"));
+    Label1_ = ui::makeDialogLabel(this, QStringLiteral("Label1"),
+                                  QStringLiteral("Check the files to be deleted"));
     Label1_->setAlignment(Qt::AlignCenter);
     QFont headingFont = Label1_->font();
     headingFont.setBold(true);
     Label1_->setFont(headingFont);
-    QLabel* label2 = namedLabel(this, QStringLiteral("Label2"), QString());
-    QLabel* label3 = namedLabel(this, QStringLiteral("Label3"), QString());
+    QLabel* label2 = ui::makeDialogLabel(this, QStringLiteral("Label2"), QString());
+    QLabel* label3 = ui::makeDialogLabel(this, QStringLiteral("Label3"), QString());
     lvVideoFiles_ = makeList(QStringLiteral("lvVideoFiles"), QStringLiteral("SIze"));
     lvImageFiles_ = makeList(QStringLiteral("lvImageFiles"), QStringLiteral("Size"));
     chkAllVideos_ = selectAllBox(this, QStringLiteral("chkAllVideos"));
     chkAllImages_ = selectAllBox(this, QStringLiteral("chkAllImages"));
-    cmdDelete_ =
-        namedButton(this, QStringLiteral("cmdDelete"), QStringLiteral("Delete Selected Files"));
-    cmdOK_ = namedButton(this, QStringLiteral("cmdOK"), QStringLiteral("OK"));
+    cmdDelete_ = ui::makeDialogButton(this, QStringLiteral("cmdDelete"),
+                                      QStringLiteral("Delete Selected Files"));
+    cmdOK_ = ui::makeDialogButton(this, QStringLiteral("cmdOK"), QStringLiteral("OK"));
     cmdOK_->setDefault(true);
-    cmdCancel_ = namedButton(this, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"),
-                             QStringLiteral("Click to cancel"));
-    cmdHelp_ = namedButton(this, QStringLiteral("cmdHelp"), QStringLiteral("Help"),
-                           QStringLiteral("Click for help"));
+    cmdCancel_ = ui::makeDialogButton(this, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"),
+                                      QStringLiteral("Click to cancel"));
+    cmdHelp_ = ui::makeDialogButton(this, QStringLiteral("cmdHelp"), QStringLiteral("Help"),
+                                    QStringLiteral("Click for help"));
 
     const QDir dataDir(dataFolder);
     videos_ = {lvVideoFiles_, label2, dataDir.filePath(QStringLiteral("Videos")),

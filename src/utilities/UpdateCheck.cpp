@@ -1,6 +1,7 @@
 #include "UpdateCheck.h"
 
 #include "UpdateInfo.h"
+#include "platform/ui/Controls.h"
 #include "platform/ui/Desktop.h"
 #include "platform/ui/HelpWindow.h"
 #include "platform/ui/Prompts.h"
@@ -27,27 +28,12 @@ namespace {
 
 constexpr int kHelpTopic = 180;
 
-QLabel* namedLabel(QWidget* parent, const QString& name, const QString& text) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(name);
-    return label;
-}
-
 QLineEdit* readOnlyField(QWidget* parent, const QString& name, const QString& toolTip) {
     auto* field = new QLineEdit(parent);
     field->setObjectName(name);
     field->setToolTip(toolTip);
     field->setReadOnly(true);
     return field;
-}
-
-QPushButton* namedButton(QWidget* parent, const QString& name, const QString& caption,
-                         const QString& toolTip = {}) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(name);
-    button->setToolTip(toolTip);
-    button->setAutoDefault(false);
-    return button;
 }
 
 } // namespace
@@ -77,28 +63,33 @@ UpdateCheck::UpdateCheck(UpdateCheckOptions options, ui::Prompts& prompts, ui::S
     txtInformation_ = new QPlainTextEdit(this);
     txtInformation_->setObjectName(QStringLiteral("txtInformation"));
     txtInformation_->setReadOnly(true);
-    QLabel* label4 = namedLabel(this, QStringLiteral("Label4"),
-                                QStringLiteral("For complete update information on all versions, "
-                                               "see the \"What's New\" page on the Ravelcue "
-                                               "website."));
+    QLabel* label4 =
+        ui::makeDialogLabel(this, QStringLiteral("Label4"),
+                            QStringLiteral("For complete update information on all versions, "
+                                           "see the \"What's New\" page on the Ravelcue "
+                                           "website."));
     label4->setWordWrap(true);
-    cmdDownLoad_ =
-        namedButton(this, QStringLiteral("cmdDownLoad"), QStringLiteral("Download Updates"),
-                    QStringLiteral("Click to download update"));
+    cmdDownLoad_ = ui::makeDialogButton(this, QStringLiteral("cmdDownLoad"),
+                                        QStringLiteral("Download Updates"),
+                                        QStringLiteral("Click to download update"));
     cmdDownLoad_->setEnabled(false);
-    QPushButton* cmdOK = namedButton(this, QStringLiteral("cmdOK"), QStringLiteral("OK"));
+    QPushButton* cmdOK = ui::makeDialogButton(this, QStringLiteral("cmdOK"), QStringLiteral("OK"));
     cmdOK->setDefault(true);
-    QPushButton* cmdHelp = namedButton(this, QStringLiteral("cmdHelp"), QStringLiteral("Help"));
+    QPushButton* cmdHelp =
+        ui::makeDialogButton(this, QStringLiteral("cmdHelp"), QStringLiteral("Help"));
 
     auto* grid = new QGridLayout(this);
-    grid->addWidget(namedLabel(this, QStringLiteral("Label3"), QStringLiteral("Current Version:")),
-                    0, 0);
+    grid->addWidget(
+        ui::makeDialogLabel(this, QStringLiteral("Label3"), QStringLiteral("Current Version:")), 0,
+        0);
     grid->addWidget(txtCurrentVersion_, 0, 1);
-    grid->addWidget(namedLabel(this, QStringLiteral("Label2"), QStringLiteral("Available Update:")),
-                    1, 0);
+    grid->addWidget(
+        ui::makeDialogLabel(this, QStringLiteral("Label2"), QStringLiteral("Available Update:")), 1,
+        0);
     grid->addWidget(txtAvailableUpdate_, 1, 1);
-    grid->addWidget(namedLabel(this, QStringLiteral("Label1"), QStringLiteral("Information:")), 2,
-                    0, Qt::AlignTop);
+    grid->addWidget(
+        ui::makeDialogLabel(this, QStringLiteral("Label1"), QStringLiteral("Information:")), 2, 0,
+        Qt::AlignTop);
     grid->addWidget(txtInformation_, 2, 1);
     grid->addWidget(label4, 3, 0, 1, 2);
     auto* buttons = new QHBoxLayout;

@@ -36,6 +36,21 @@ QPushButton* makeButton(QWidget* parent, const QString& name, const QString& cap
     return button;
 }
 
+QPushButton* makeDialogButton(QWidget* parent, const QString& name, const QString& caption,
+                              const QString& toolTip) {
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    button->setToolTip(toolTip);
+    button->setAutoDefault(false);
+    return button;
+}
+
+QLabel* makeDialogLabel(QWidget* parent, const QString& name, const QString& text) {
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(name);
+    return label;
+}
+
 QCheckBox* makeCheckBox(QWidget* parent, const QString& name, const QString& caption,
                         const QString& toolTip, const QRect& geometry) {
     auto* box = new QCheckBox(caption, parent);

@@ -23,6 +23,10 @@ QFrame* makeFrame(QWidget* parent, const QString& name, const QRect& geometry);
 QLabel* makeLabel(QWidget* parent, const QString& name, const QString& text, const QRect& geometry);
 QPushButton* makeButton(QWidget* parent, const QString& name, const QString& caption,
                         const QString& toolTip, const QRect& geometry);
+// A button of a dialog laid out by a layout: named, and never pressed by Enter from elsewhere.
+QPushButton* makeDialogButton(QWidget* parent, const QString& name, const QString& caption,
+                              const QString& toolTip = {});
+QLabel* makeDialogLabel(QWidget* parent, const QString& name, const QString& text);
 QCheckBox* makeCheckBox(QWidget* parent, const QString& name, const QString& caption,
                         const QString& toolTip, const QRect& geometry);
 QLineEdit* makeTextBox(QWidget* parent, const QString& name, const QString& toolTip,
