@@ -113,15 +113,4 @@ std::vector<double> framePtsSeconds(const QString& path) {
     return times;
 }
 
-int runProgram(const QString& program, const QStringList& arguments) {
-    QProcess process;
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.start(program, arguments);
-    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit) {
-        return -1;
-    }
-    return process.exitCode();
-}
-
 } // namespace ravelcue::test

@@ -32,7 +32,4 @@ bool forEachFrame(const QString& path, QSize size,
 // The presentation time of every frame of the first video stream, in seconds, in file order.
 std::vector<double> framePtsSeconds(const QString& path);
 
-// Runs a program and returns its exit code (-1 when it could not start); output is discarded.
-int runProgram(const QString& program, const QStringList& arguments);
-
 } // namespace ravelcue::test
