@@ -48,10 +48,12 @@ protected:
 
 TEST_F(BreakSpeedPaneTest, AMeasurementFromStartToStopReadsTheBreakPlayed) {
     EXPECT_FALSE(w.fixture.find<QWidget>("picBreakSpeed")->isHidden());
+    EXPECT_FALSE(w.fixture.find<QWidget>("fmBreakSpeedTB")->isHidden());
     EXPECT_EQ(w.fixture.panel(1), "Break Speed");
     w.fixture.click("cmdStartBreakSpeed");
     EXPECT_EQ(w.fixture.panel(1), "Capturing Audio...");
     EXPECT_FALSE(w.fixture.find<QWidget>("cmdCalTone")->isEnabled());
+    EXPECT_EQ(w.field("txtSpeed"), "");
     ASSERT_TRUE(QTest::qWaitFor([&] { return w.caption() == "Stop Capture"; }, 30000));
     EXPECT_EQ(w.fixture.text("lblBreakStatus"),
               "Mute speakers during audio capture!!!   Countdown - 00:59");

@@ -73,6 +73,8 @@ TEST(UtilitiesWindow, DeleteFilesListsTheDataFolderDeletesTickedFilesAndReturnsT
     EXPECT_EQ(big->text(1), "1,500 KB");
     const QFileInfo bigFile(data.filePath("Videos/drill(Cam1).avi"));
     EXPECT_EQ(big->text(2), utilities::dateTimeText(bigFile.lastModified(), QLocale()));
+    EXPECT_GT(videos->columnWidth(0), videos->columnWidth(2));
+    EXPECT_GT(videos->columnWidth(2), videos->columnWidth(1));
 
     for (QTreeWidget* list : {dialog->lvVideoFiles(), dialog->lvImageFiles()}) {
         for (const char* name : {"drill(Cam2).avi", "break.avi", "grip.jpg"}) {
