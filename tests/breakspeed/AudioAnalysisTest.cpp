@@ -14,6 +14,7 @@ constexpr SpeedSettings kInches{0, 0};
 constexpr SpeedSettings kInchesCueball{0, 1};
 constexpr SpeedSettings kCentimetres{1, 0};
 constexpr SpeedSettings kCentimetresCueball{1, 1};
+const Status kWeak{"Auto Peak Detect - Weak audio signal", kRed};
 
 // Two sounds 8820 words (0.1 s) apart: the shot of the worked example.
 AudioSamples WorkedExample() {
@@ -23,9 +24,12 @@ AudioSamples WorkedExample() {
     return samples;
 }
 
+bool NoResults(const PaneUpdate& u) {
+    return !u.deltaTime && !u.speed && !u.energy;
+}
+
 TEST(DetectPeaks, WorkedExampleInBothUnitsWithAndWithoutTheCueBall) {
     const AudioSamples samples = WorkedExample();
-
     const PeakDetection d = DetectPeaks(samples, 2, "48", kInches);
     EXPECT_EQ(d.peak, 10000);
     EXPECT_EQ(d.threshold, 5000);
@@ -34,74 +38,60 @@ TEST(DetectPeaks, WorkedExampleInBothUnitsWithAndWithoutTheCueBall) {
     EXPECT_EQ(d.selection, (WordRange{15000, 33820}));
     EXPECT_EQ(d.update.status, (Status{"Auto Peak Detect - 2 peaks found", kDarkGreen}));
     EXPECT_EQ(d.update.deltaTime, "0.1000");
-    EXPECT_EQ(d.update.speed, "27.26");
-    EXPECT_EQ(d.update.energy, "12.48");
     EXPECT_EQ(d.update.distance, DistanceCheck::Number);
 
-    const PeakDetection cueball = DetectPeaks(samples, 2, "48", kInchesCueball);
-    EXPECT_EQ(cueball.update.speed, "25.99");
-    EXPECT_EQ(cueball.update.energy, "11.33");
-
     // Kilometres an hour go into the energy with the mph factor all the same.
-    const PeakDetection metric = DetectPeaks(samples, 2, "100", kCentimetres);
-    EXPECT_EQ(metric.update.speed, "36.00");
-    EXPECT_EQ(metric.update.energy, "21.75");
-    EXPECT_EQ(DetectPeaks(samples, 2, "100", kCentimetresCueball).update.speed, "33.94");
-}
-
-TEST(CalcSpeed, BadInputLeavesTheSpeedAndAShortDistanceGoesNegative) {
-    float speed = 7;
-    CalcSpeed(48, 0, speed, kInches);
-    CalcSpeed(48, -0.1F, speed, kInches);
-    CalcSpeed(48, 0.1F, speed, SpeedSettings{2, 0});
-    EXPECT_EQ(speed, 7);
-
-    // A distance shorter than the ball gives a negative speed, unchecked.
-    CalcSpeed(2, 0.1F, speed, kInchesCueball);
-    EXPECT_LT(speed, 0);
+    struct Case {
+        const char* distance;
+        SpeedSettings settings;
+        const char* speed;
+        const char* energy;
+    };
+    for (const Case& c :
+         {Case{"48", kInches, "27.26", "12.48"}, Case{"48", kInchesCueball, "25.99", "11.33"},
+          Case{"100", kCentimetres, "36.00", "21.75"},
+          Case{"100", kCentimetresCueball, "33.94", "19.34"}}) {
+        const PaneUpdate u = DetectPeaks(samples, 2, c.distance, c.settings).update;
+        EXPECT_EQ(u.speed, c.speed) << c.speed;
+        EXPECT_EQ(u.energy, c.energy) << c.speed;
+    }
 }
 
 TEST(DetectPeaks, WeakSignalBoundariesAndChannels) {
-    const Status weak{"Auto Peak Detect - Weak audio signal", kRed};
     for (const int level : {1999, 2000}) {
         AudioSamples samples = Silence(20000);
         Sound(samples, 5000, level);
         const PeakDetection d = DetectPeaks(samples, 2, "48", kInches);
-        EXPECT_EQ(d.update.status == weak, level < 2000) << level;
+        EXPECT_EQ(d.update.status == kWeak, level < 2000) << level;
         EXPECT_EQ(d.firstPeak.has_value(), level >= 2000) << level;
     }
-
-    // Loud but negative, with a little positive noise: swings below zero count for nothing.
+    // Loud but negative with a little positive noise; loud only in the right channel (odd
+    // words); loud only in the header and first moments, which are never looked at.
     AudioSamples negative = Silence(20000);
     Sound(negative, 5000, -30000);
     Sound(negative, 9000, 100);
-    // Loud only in the right channel, the odd words.
     AudioSamples right = Silence(20000);
     Sound(right, 5001, 30000);
-    // Loud only in the header and first moments, which are never looked at.
     AudioSamples early = Silence(20000);
     Sound(early, 0, 30000, 500);
     for (const AudioSamples* samples : {&negative, &right, &early}) {
         const PeakDetection d = DetectPeaks(*samples, 2, "48", kInches);
-        EXPECT_EQ(d.update.status, weak);
-        EXPECT_FALSE(d.update.deltaTime || d.update.speed || d.update.energy || d.selection);
+        EXPECT_EQ(d.update.status, kWeak);
+        EXPECT_TRUE(NoResults(d.update) && !d.selection);
     }
 }
 
 TEST(DetectPeaks, ScansStopOneWordBeforeTheLast) {
     // With n words the scans look at even words up to n - 2: none at all for n <= 1001.
     for (const int words : {0, 1, 999, 1000, 1001}) {
-        AudioSamples samples(static_cast<size_t>(words), 30000);
-        EXPECT_EQ(DetectPeaks(samples, 2, "48", kInches).update.status->text,
-                  "Auto Peak Detect - Weak audio signal")
-            << words;
+        const AudioSamples samples(static_cast<size_t>(words), 30000);
+        EXPECT_EQ(DetectPeaks(samples, 2, "48", kInches).update.status, kWeak) << words;
     }
     AudioSamples justLongEnough = Silence(1002);
     justLongEnough[1000] = 30000;
     const PeakDetection d = DetectPeaks(justLongEnough, 2, "48", kInches);
     EXPECT_EQ(d.firstPeak, 1000);
     EXPECT_EQ(d.update.status->text, "Auto Peak Detect - 1st peak found");
-
     // An odd count ends on an even word, and that word is past the scan.
     AudioSamples odd = Silence(3001);
     odd[3000] = 30000;
@@ -141,18 +131,14 @@ TEST(DetectPeaks, WithoutASecondPeakTheFieldsStayAndTheListRemeasures) {
     AudioSamples samples = Silence(60000);
     Sound(samples, 1500, 10000);
     Sound(samples, 20000, 5500);
-
     const PeakDetection strict = DetectPeaks(samples, 4, "48", kInches);
     EXPECT_EQ(strict.update.status, (Status{"Auto Peak Detect - 1st peak found", kRed}));
     EXPECT_FALSE(strict.secondPeak);
-    EXPECT_FALSE(strict.update.deltaTime || strict.update.speed || strict.update.energy);
+    EXPECT_TRUE(NoResults(strict.update));
     EXPECT_LE(strict.deltaTime, 0);
     // The stretch is still set, from 5000 before the first peak (below 0 here) to word 5000.
     EXPECT_EQ(strict.selection, (WordRange{-3500, 5000}));
-
-    const PeakDetection quiet = DetectPeaks(samples, 0, "48", kInches);
-    EXPECT_EQ(quiet.secondPeak, 20000);
-    EXPECT_EQ(quiet.update.deltaTime, "0.2098");
+    EXPECT_EQ(DetectPeaks(samples, 0, "48", kInches).update.deltaTime, "0.2098");
 }
 
 TEST(Analysis, ADistanceThatIsNoNumberComputesNothingFromIt) {
@@ -161,29 +147,28 @@ TEST(Analysis, ADistanceThatIsNoNumberComputesNothingFromIt) {
     EXPECT_EQ(d.update.deltaTime, "0.1000"); // the peaks don't depend on the distance
     EXPECT_FALSE(d.update.speed || d.update.energy);
     EXPECT_EQ(d.update.distance, DistanceCheck::NotANumber);
-
     const PaneUpdate edited = SpeedForDistanceChange("", "0.1000", kInches);
-    EXPECT_EQ(edited.distance, DistanceCheck::NotANumber);
-    EXPECT_FALSE(edited.speed);
-
     const PaneUpdate marked = MeasureMarks(0, 8820, "abc", kInches);
     EXPECT_EQ(marked.deltaTime, "0.1000");
-    EXPECT_FALSE(marked.speed);
-    EXPECT_EQ(marked.distance, DistanceCheck::NotANumber);
+    for (const PaneUpdate& u : {edited, marked}) {
+        EXPECT_FALSE(u.speed);
+        EXPECT_EQ(u.distance, DistanceCheck::NotANumber);
+    }
 }
 
-TEST(Analysis, EditingTheDistanceWritesThreeDecimals) {
+TEST(Analysis, EditingTheDistanceWritesThreeDecimalsAndMarksTwo) {
     EXPECT_EQ(SpeedForDistanceChange("48", "0.1000", kInches).speed, "27.264");
     EXPECT_EQ(SpeedForDistanceChange(" 48 ", "0.1000", kInchesCueball).speed, "25.986");
-    EXPECT_EQ(SpeedForDistanceChange("90.25", "1.0000", kInchesCueball).speed, "4.998");
-    // No delta time yet (or 0): the speed reads 0.000.
-    EXPECT_EQ(SpeedForDistanceChange("48", "", kInches).speed, "0.000");
-    EXPECT_EQ(SpeedForDistanceChange("48", "0.0000", kInches).speed, "0.000");
-    EXPECT_EQ(SpeedForDistanceChange("48", "", kInches).distance, DistanceCheck::Number);
-    EXPECT_FALSE(SpeedForDistanceChange("48", "", kInches).energy);
-}
+    // A distance shorter than the ball gives a negative speed, unchecked.
+    EXPECT_EQ(SpeedForDistanceChange("2", "0.1000", kInchesCueball).speed, "-0.142");
+    // No delta time yet (or 0): the speed reads 0.000, and the energy is never touched.
+    for (const char* deltaTime : {"", "0.0000"}) {
+        const PaneUpdate u = SpeedForDistanceChange("48", deltaTime, kInches);
+        EXPECT_EQ(u.speed, "0.000");
+        EXPECT_EQ(u.distance, DistanceCheck::Number);
+        EXPECT_FALSE(u.energy);
+    }
 
-TEST(Analysis, MarksGiveTheDeltaTimeInEitherStretch) {
     const PaneUpdate marked = MeasureMarks(1000, 9820, "48", kInches);
     EXPECT_EQ(marked.deltaTime, "0.1000");
     EXPECT_EQ(marked.speed, "27.26");
@@ -191,7 +176,7 @@ TEST(Analysis, MarksGiveTheDeltaTimeInEitherStretch) {
     // A click without a drag, or a drag to the left: nothing.
     for (const auto& [from, to] : {std::pair{500, 500}, std::pair{9820, 1000}}) {
         const PaneUpdate none = MeasureMarks(from, to, "48", kInches);
-        EXPECT_FALSE(none.deltaTime || none.speed || none.energy);
+        EXPECT_TRUE(NoResults(none));
         EXPECT_EQ(none.distance, DistanceCheck::NotRead);
     }
     // The calibration tone: one second marked across its ends reads 5.00.
@@ -203,7 +188,6 @@ TEST(LoadAudioFile, ReadsWholeWordsFromByteZero) {
     test::ScratchFolder folder;
     EXPECT_EQ(LoadAudioFile(folder.file("none.wav")).result, LoadResult::Missing);
     EXPECT_EQ(LoadAudioFile(folder.path()).result, LoadResult::Unreadable);
-
     struct Case {
         std::string bytes;
         AudioSamples words;
@@ -231,12 +215,10 @@ TEST(AnalyseRecording, NoRecordingChangesNothingButTheStatus) {
     const auto path = folder.file("breakspeed.wav");
     test::WriteBytes(path, "");
     for (const auto& file : {path, folder.file("missing.wav")}) {
-        const Analysis a = AnalyseRecording(file, 2, "48", kInches);
-        EXPECT_EQ(a.detection.update.status, (Status{"No recording to analyse", kRed}));
-        EXPECT_FALSE(a.detection.update.deltaTime || a.detection.update.speed ||
-                     a.detection.update.energy || a.detection.selection || a.detection.firstPeak);
+        const PeakDetection d = AnalyseRecording(file, 2, "48", kInches).detection;
+        EXPECT_EQ(d.update.status, (Status{"No recording to analyse", kRed}));
+        EXPECT_TRUE(NoResults(d.update) && !d.selection && !d.firstPeak);
     }
-
     test::WriteWords(path, WorkedExample());
     const Analysis a = AnalyseRecording(path, 2, "48", kInches);
     EXPECT_EQ(a.audio.samples.size(), 60000U);

@@ -13,13 +13,12 @@
 
 namespace ravelcue::test {
 
-// The main window in break speed mode, its microphone a ShotMicrophone playing one break at
-// speedMph (none at 0).
+// The main window in break speed mode, its microphone a ShotMicrophone that plays the first
+// break of the seed (none without one).
 class BreakSpeedWindow : public WaveformMouse {
 public:
-    explicit BreakSpeedWindow(double speedMph)
-        : engine(speedMph) {
-        engine.listenTo(fixture.tones);
+    explicit BreakSpeedWindow(std::optional<std::uint64_t> seed)
+        : engine(seed) {
         fixture.answeredUpdateQuestion();
         fixture.store.writeText("Audio Source", "Demo Microphone");
         fixture.start();

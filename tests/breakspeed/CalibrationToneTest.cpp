@@ -1,9 +1,7 @@
-// The calibration tone through a real sound server: heard on its output, recorded by the
-// microphone, and marked by hand. A program of its own, since the sound server must be there
-// before anything in the process asks for sound devices.
+// The calibration tone through a real sound server, heard on its output. A program of its own,
+// since the sound server must be there before anything in the process asks for sound devices.
 
 #include "BreakSpeedWindow.h"
-#include "breakspeed/AudioAnalysis.h"
 #include "support/SoundServer.h"
 
 #include <cmath>
@@ -29,11 +27,11 @@ protected:
     static inline std::unique_ptr<PrivateSoundServer> server_;
 };
 
-TEST_F(CalibrationTone, OneSecondMarkedByHandReadsFive) {
-    BreakSpeedWindow w(0);
+// Marking the tone's block by hand is done on the demo microphone, in the end-to-end tests.
+TEST_F(CalibrationTone, SoundsASecondOf400HzAndSetsTheCalibrationDistance) {
+    BreakSpeedWindow w(std::nullopt);
     const std::vector<qint16> heard = server_->record(2.5, [&] { w.fixture.click("cmdCalTone"); });
 
-    // The speakers sounded 400 Hz for a second.
     size_t from = heard.size();
     size_t to = 0;
     for (size_t i = 0; i < heard.size(); ++i) {
@@ -56,14 +54,6 @@ TEST_F(CalibrationTone, OneSecondMarkedByHandReadsFive) {
     EXPECT_EQ(w.field("txtDistance"), "90.25"); // inches, cue ball taken off: 88 left
     EXPECT_EQ(w.field("txtSpeed"), "0.000");
     EXPECT_EQ(w.field("txtDeltaTime"), "");
-
-    // The tone's block, marked by hand across its two ends.
-    const breakspeed::LoadedAudio audio = breakspeed::LoadAudioFile(w.recording().toStdString());
-    const auto block =
-        BreakSpeedWindow::markLoudBlock(w.pane().picture1(), w.pane().picture2(), audio.samples,
-                                        "5.00", [&] { return w.field("txtSpeed"); });
-    ASSERT_GT(block.last - block.first, 80000);
-    EXPECT_EQ(block.readings.last(), "5.00") << block.readings.join(", ").toStdString();
 
     // The next capture puts the configured distance back.
     w.fixture.click("cmdStartBreakSpeed");

@@ -2,10 +2,9 @@
 
 #include "breakspeed/AudioAnalysis.h"
 
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -44,10 +43,8 @@ inline std::string ReadBytes(const std::filesystem::path& path) {
 class ScratchFolder {
 public:
     ScratchFolder() {
-        std::random_device random;
-        path_ = std::filesystem::temp_directory_path() /
-                ("ravelcue-breakspeed-" + std::to_string(random()) + std::to_string(random()));
-        std::filesystem::create_directories(path_);
+        std::string name = std::filesystem::temp_directory_path() / "ravelcue-breakspeed-XXXXXX";
+        path_ = mkdtemp(name.data());
     }
     ~ScratchFolder() {
         std::error_code ignored;

@@ -1,31 +1,27 @@
 #pragma once
 
-#include "core/ToneBus.h"
 #include "platform/media/AudioInstance.h"
 #include "platform/media/CaptureInstance.h"
 #include "platform/media/MediaEngine.h"
 #include "platform/media/PlayerInstance.h"
 #include "platform/media/RecompressInstance.h"
+#include "platform/media/demo/DemoMicrophone.h"
 #include "support/RecordingEngine.h"
 
 #include <chrono>
+#include <cstdint>
+#include <optional>
 
 namespace ravelcue::test {
 
-// A microphone for whole-window tests. A recording holds quiet room noise, one break (the click
-// of the tip, then the crash into the rack after the time a ball at speedMph takes over 45.75
-// inches) and every tone the program published meanwhile, as the demo microphone does; it is
-// written as a 16-bit stereo WAV when the capture stops, at least long enough for the break.
-// A speed of 0 plays no break.
+// A microphone for whole-window tests that needs no time to pass: when the capture stops it
+// writes a 16-bit stereo WAV of the demo microphone's sound for its seed, the room noise and the
+// first break (media::demoBreak(seed, 0)), long enough for the crash to die away however short
+// the capture was. Without a seed it hears the room only.
 class ShotMicrophone final : public media::AudioInstance {
 public:
-    ShotMicrophone(const ToneBus& tones, double speedMph)
-        : tones_(tones)
-        , speedMph_(speedMph) {}
-
-    static constexpr double kClickSeconds = 0.5;
-    // The crash's distance from the click in frames, as written.
-    static int crashFrames(double speedMph);
+    explicit ShotMicrophone(std::optional<std::uint64_t> seed)
+        : seed_(seed) {}
 
     void SetAudioDevice(int index) override { device_ = index; }
     int AudioDevice() const override { return device_; }
@@ -44,24 +40,20 @@ public:
     int captures() const { return captures_; }
 
 private:
-    const ToneBus& tones_;
-    double speedMph_;
+    std::optional<std::uint64_t> seed_;
     int device_ = 0;
     bool connected_ = false;
     bool capturing_ = false;
     int captures_ = 0;
     QString file_;
-    ToneBus::Clock::time_point started_;
+    std::chrono::steady_clock::time_point started_;
 };
 
-// The RecordingEngine's cameras and players, with a ShotMicrophone that hears the tones of the
-// bus given to listenTo before the window is built.
+// The RecordingEngine's cameras and players, with a ShotMicrophone.
 class ShotEngine final : public media::MediaEngine {
 public:
-    explicit ShotEngine(double speedMph)
-        : speedMph_(speedMph) {}
-
-    void listenTo(const ToneBus& tones) { tones_ = &tones; }
+    explicit ShotEngine(std::optional<std::uint64_t> seed)
+        : seed_(seed) {}
 
     media::DeviceCatalog& devices() override { return recorder_.devices(); }
     std::unique_ptr<media::CaptureInstance> createCapture(int i) override {
@@ -74,13 +66,12 @@ public:
         return recorder_.createRecompress(i);
     }
     std::unique_ptr<media::AudioInstance> createAudio() override {
-        return std::make_unique<ShotMicrophone>(*tones_, speedMph_);
+        return std::make_unique<ShotMicrophone>(seed_);
     }
 
 private:
     RecordingEngine recorder_;
-    const ToneBus* tones_ = nullptr;
-    double speedMph_;
+    std::optional<std::uint64_t> seed_;
 };
 
 } // namespace ravelcue::test

@@ -3,14 +3,12 @@
 #include "platform/ui/HelpWindow.h"
 #include "support/ScriptedPrompts.h"
 #include "support/TempFolder.h"
-#include "utilities/SortKeys.h"
 
 #include <string>
 #include <vector>
 
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
@@ -61,24 +59,6 @@ protected:
     std::vector<std::string> words;
     std::unique_ptr<FileDeleteDialog> dialog;
 };
-
-TEST_F(DeleteFiles, ListsBothFoldersWithCountsSizesAndDates) {
-    add("Videos", "small.avi", 400);
-    add("Videos", "big(Cam1).wmv", 1500000);
-    data.folder("Images");
-    open();
-    EXPECT_EQ(heading("Label2"), "2 Video Files");
-    EXPECT_EQ(heading("Label3"), "0 Image Files");
-    QTreeWidget* list = dialog->lvVideoFiles();
-    EXPECT_EQ(list->headerItem()->text(1), "SIze");
-    EXPECT_EQ(row(list, "small.avi")->text(1), " KB");
-    EXPECT_EQ(row(list, "big(Cam1).wmv")->text(1), "1,500 KB");
-    const QFileInfo small(QDir(data.file("Videos")).filePath("small.avi"));
-    EXPECT_EQ(row(list, "small.avi")->text(2), dateTimeText(small.lastModified(), QLocale()));
-    EXPECT_TRUE(names(list, true).isEmpty()) << "nothing is ticked at opening";
-    EXPECT_GT(list->columnWidth(0), list->columnWidth(2));
-    EXPECT_GT(list->columnWidth(2), list->columnWidth(1));
-}
 
 TEST_F(DeleteFiles, AFileThatCannotBeDeletedStopsTheWalkWithItsRowsStillTicked) {
     for (const char* name : {"a.avi", "b.avi", "c.avi", "d.avi"}) {

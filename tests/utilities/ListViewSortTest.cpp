@@ -9,12 +9,9 @@
 namespace ravelcue::utilities {
 namespace {
 
-// A list with columns tagged as the caller says, one row per entry of texts, inside a window as
-// in a dialog.
-class SortedList {
-public:
+// A list in a window, as in a dialog: columns tagged as given, one row per entry of texts.
+struct SortedList {
     SortedList(const QStringList& tags, const std::vector<QStringList>& rows) {
-        list = new QTreeWidget(&host);
         list->setColumnCount(static_cast<int>(tags.size()));
         for (int c = 0; c < tags.size(); ++c) {
             list->headerItem()->setData(c, kTagRole, tags[c]);
@@ -34,7 +31,7 @@ public:
         return texts;
     }
     QWidget host;
-    QTreeWidget* list = nullptr;
+    QTreeWidget* list = new QTreeWidget(&host);
 };
 
 TEST(SortListView, NumberAndDateColumnsSortByValueAndTheOrderTurnsAtEveryClick) {

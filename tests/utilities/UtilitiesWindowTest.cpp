@@ -3,10 +3,12 @@
 #include "core/Version.h"
 #include "platform/ui/HelpWindow.h"
 #include "utilities/FileDeleteDialog.h"
+#include "utilities/SortKeys.h"
 #include "utilities/UpdateCheck.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMenu>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -18,10 +20,10 @@
 namespace ravelcue::test {
 namespace {
 
-void addFile(const QString& path) {
+void addFile(const QString& path, qint64 bytes = 8) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("recorded");
+    file.write(QByteArray(bytes, 'x'));
 }
 
 // Makes the window the active one, as a click on it would, and presses F1 there.
@@ -50,8 +52,9 @@ TEST(UtilitiesWindow, DeleteFilesListsTheDataFolderDeletesTickedFilesAndReturnsT
     fixture.answeredUpdateQuestion();
     app::MainWindow& window = fixture.start();
     const QDir data(QString::fromStdString(window.state().AppDataDir));
-    for (const char* name : {"Videos/drill(Cam1).avi", "Videos/drill(Cam2).avi", "Videos/break.avi",
-                             "Images/stance.jpg", "Images/grip.jpg"}) {
+    addFile(data.filePath("Videos/drill(Cam1).avi"), 1500000);
+    for (const char* name :
+         {"Videos/drill(Cam2).avi", "Videos/break.avi", "Images/stance.jpg", "Images/grip.jpg"}) {
         addFile(data.filePath(name));
     }
 
@@ -62,6 +65,16 @@ TEST(UtilitiesWindow, DeleteFilesListsTheDataFolderDeletesTickedFilesAndReturnsT
     EXPECT_TRUE(dialog->isModal());
     EXPECT_EQ(dialog->findChild<QLabel*>("Label2")->text(), "3 Video Files");
     EXPECT_EQ(dialog->findChild<QLabel*>("Label3")->text(), "2 Image Files");
+    // Sizes in kilobytes under the heading as it always read, and the time in the system's form.
+    QTreeWidget* videos = dialog->lvVideoFiles();
+    EXPECT_EQ(videos->headerItem()->text(1), "SIze");
+    QTreeWidgetItem* big = videos->findItems("drill(Cam1).avi", Qt::MatchExactly).value(0);
+    ASSERT_NE(big, nullptr);
+    EXPECT_EQ(big->text(1), "1,500 KB");
+    const QFileInfo bigFile(data.filePath("Videos/drill(Cam1).avi"));
+    EXPECT_EQ(big->text(2), utilities::dateTimeText(bigFile.lastModified(), QLocale()));
+    EXPECT_GT(videos->columnWidth(0), videos->columnWidth(2));
+    EXPECT_GT(videos->columnWidth(2), videos->columnWidth(1));
 
     for (QTreeWidget* list : {dialog->lvVideoFiles(), dialog->lvImageFiles()}) {
         for (const char* name : {"drill(Cam2).avi", "break.avi", "grip.jpg"}) {
