@@ -191,8 +191,6 @@ TEST(Capture, ConnectsAtAnySizeAndHandsOverLiveFramesAndOverlays) {
 
     capture = engine.demoCamera(1);
     capture->SetRenderMode(1);
-    EXPECT_EQ(capture->GetVideoSize(), QSize(640, 480));
-    EXPECT_DOUBLE_EQ(capture->GetFrameRate(), 30.0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !capture->FrameBytes().isEmpty(); }));
 
     // The live frame is the camera's picture itself, byte for byte.
@@ -213,8 +211,6 @@ TEST(Capture, ConnectsAtAnySizeAndHandsOverLiveFramesAndOverlays) {
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return capture->view()->pictureSize() == QSize(1280, 720); }));
     EXPECT_EQ(capture->FrameBytes().size(), 640 * 480 * 3);
-    capture->SetRenderMode(0);
-    EXPECT_TRUE(capture->FrameBytes().isEmpty());
 
     // The shape layer shows over the picture; black lets the picture through.
     QImage overlay(1280, 720, QImage::Format_RGB32);
