@@ -17,14 +17,9 @@ TestEngine::TestEngine(std::uint64_t seed) {
     engine = std::make_unique<media::ffmpeg::FfmpegEngine>(tones, options);
 }
 
+// The demo cameras close the list of video devices, the demo microphone that of audio ones.
 int TestEngine::demoCameraIndex(int demoNumber) {
-    media::DeviceCatalog& devices = engine->devices();
-    for (int i = 0; i < devices.VideoDeviceCount(); ++i) {
-        if (devices.VideoDeviceName(i) == QStringLiteral("Demo Camera %1").arg(demoNumber)) {
-            return i;
-        }
-    }
-    return -1;
+    return engine->devices().VideoDeviceCount() - 5 + demoNumber;
 }
 
 int TestEngine::demoMicrophoneIndex() {
@@ -32,8 +27,7 @@ int TestEngine::demoMicrophoneIndex() {
 }
 
 std::int64_t TestEngine::clockMsNow() const {
-    const media::CaptureClock& clock = engine->captureClock();
-    return clock.msAt(media::CaptureClock::now());
+    return engine->captureClock().msAt(media::CaptureClock::now());
 }
 
 std::unique_ptr<media::CaptureInstance> TestEngine::demoCamera(int demoNumber, int width,

@@ -1,12 +1,12 @@
 #include "PlayerTestSupport.h"
 #include "platform/media/VideoView.h"
-#include "support/Ffprobe.h"
 #include "support/MediaFiles.h"
 #include "support/TempFolder.h"
 
 #include <QFileInfo>
 #include <QFontInfo>
 #include <QImageReader>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -42,11 +42,7 @@ int countPixels(const QImage& image, const QRect& area, bool (*test)(QRgb)) {
 QImage markerBitmap(QSize size) {
     QImage bitmap(size, QImage::Format_RGB32);
     bitmap.fill(Qt::black);
-    for (int y = 100; y < 108; ++y) {
-        for (int x = 200; x < 212; ++x) {
-            bitmap.setPixel(x, y, qRgb(255, 0, 0));
-        }
-    }
+    QPainter(&bitmap).fillRect(200, 100, 12, 8, Qt::red);
     return bitmap;
 }
 
@@ -76,7 +72,6 @@ TEST_F(OverlayTest, MarkersSitOnTheirPicturePixelsInStillsOnScreenAndZoomed) {
     QImageReader reader(still, "jpeg");
     const QImage saved = reader.read().convertToFormat(QImage::Format_RGB32);
     ASSERT_EQ(saved.size(), QSize(320, 180));
-    EXPECT_EQ(probeVideo(still).codecName, QStringLiteral("mjpeg")); // ffmpeg reads it too
     EXPECT_TRUE(isRed(saved.pixel(205, 103)));
     EXPECT_NEAR(qGray(saved.pixel(100, 150)), 128, 6);
     EXPECT_GT(countPixels(saved, QRect(20, 30, 140, 30), isYellow), 40);

@@ -21,9 +21,11 @@ QString makeClip(const TempFolder& folder) {
     return path;
 }
 
-// Playback follows the clock at every rate, goes on from a new place, stops where it is, and
-// reports the end once; a seek after the end plays on, as a loop does.
-TEST(PlayerPlayback, FollowsTheClockAtEveryRateAndReportsTheEnd) {
+// Playback follows the clock at every rate and goes on from a new place. What keeps the players
+// of a Set together: a pause lands on the frame due at the call and reports it at once, the end
+// is reported once, and a seek overtakes an end not yet delivered; a seek after the end plays
+// on, as a loop does.
+TEST(PlayerPlayback, FollowsTheClockAndKeepsASetTogether) {
     TempFolder folder;
     auto clock = std::make_shared<ManualClock>();
     FfmpegPlayer player(clock);
@@ -35,30 +37,36 @@ TEST(PlayerPlayback, FollowsTheClockAtEveryRateAndReportsTheEnd) {
     EXPECT_EQ(player.PlayerGetFrame(), 0.0); // play then stop shows the first frame
 
     player.PlayerPlay();
-    clock->advanceMs(200);
-    EXPECT_TRUE(waitForFrameNumber(player, 5));
+    clock->advanceMs(40);
+    EXPECT_TRUE(waitForFrameNumber(player, 1));
+    clock->advanceMs(160);
+    player.PlayerStop();
+    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
+    ASSERT_TRUE(player.waitForFrame());
+    clock->advanceMs(500);
+    QTest::qWait(30);
+    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
+    EXPECT_FALSE(player.IsPlaying());
+
+    player.PlayerSetFrame(30);
+    player.PlayerPlay();
+    clock->advanceMs(40);
+    EXPECT_TRUE(waitForFrameNumber(player, 31));
     player.PlayerSetRate(4.0);
     clock->advanceMs(100); // 400 ms of video
-    EXPECT_TRUE(waitForFrameNumber(player, 15));
+    EXPECT_TRUE(waitForFrameNumber(player, 41));
     player.PlayerSetRate(0.25);
     clock->advanceMs(400); // 100 ms of video
-    EXPECT_TRUE(waitForFrameNumber(player, 17));
+    EXPECT_TRUE(waitForFrameNumber(player, 43));
     player.PlayerSetRate(10.0);
     EXPECT_EQ(player.PlayerGetRate(), 4.0);
     player.PlayerSetRate(1.0);
 
-    player.PlayerStop();
-    clock->advanceMs(500);
-    QTest::qWait(30);
-    EXPECT_EQ(player.PlayerGetFrame(), 17.0);
-    EXPECT_FALSE(player.IsPlaying());
-
-    player.PlayerSetFrame(40);
-    player.PlayerPlay();
+    player.PlayerSetFrame(10); // while playing: counts from the call
     clock->advanceMs(120);
-    EXPECT_TRUE(waitForFrameNumber(player, 43));
+    EXPECT_TRUE(waitForFrameNumber(player, 13));
 
-    clock->advanceMs(1000);
+    clock->advanceMs(2000);
     EXPECT_TRUE(QTest::qWaitFor([&] { return ends.count() == 1; }, 30000));
     EXPECT_EQ(player.PlayerGetFrame(), 49.0);
     clock->advanceMs(500);
@@ -69,37 +77,10 @@ TEST(PlayerPlayback, FollowsTheClockAtEveryRateAndReportsTheEnd) {
     ASSERT_TRUE(player.waitForFrame());
     clock->advanceMs(80);
     EXPECT_TRUE(waitForFrameNumber(player, 2));
-}
-
-// What keeps the players of a Set together: a pause lands on the frame due at the call and
-// reports it at once, a seek while playing counts from the call, not from whenever its frame was
-// ready, and a seek overtakes an end not yet delivered.
-TEST(PlayerPlayback, PausesSeeksAndEndsKeepASetTogether) {
-    TempFolder folder;
-    auto clock = std::make_shared<ManualClock>();
-    FfmpegPlayer player(clock);
-    ASSERT_TRUE(player.PlayerOpen(makeClip(folder)).ok());
-
-    player.PlayerPlay();
-    clock->advanceMs(40);
-    EXPECT_TRUE(waitForFrameNumber(player, 1));
-    clock->advanceMs(160);
-    player.PlayerStop();
-    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
-    ASSERT_TRUE(player.waitForFrame());
-    EXPECT_EQ(player.PlayerGetFrame(), 5.0);
-
-    player.PlayerPlay();
-    clock->advanceMs(40);
-    EXPECT_TRUE(waitForFrameNumber(player, 6));
-    player.PlayerSetFrame(30);
-    clock->advanceMs(120);
-    EXPECT_TRUE(waitForFrameNumber(player, 33));
 
     // An end that a seek overtook before it was delivered is not reported: in a Set the first
     // member's end sends them all back, and the ends of the others are old news by then.
-    QSignalSpy ends(&player, &FfmpegPlayer::PlayerEnd);
-    clock->advanceMs(1000);
+    clock->advanceMs(2000);
     for (int wait = 0; wait < 3000 && player.PlayerGetFrame() != 49.0; ++wait) {
         QThread::msleep(1); // no events: the end stays undelivered
     }
@@ -107,7 +88,7 @@ TEST(PlayerPlayback, PausesSeeksAndEndsKeepASetTogether) {
     QThread::msleep(50);
     player.PlayerSetPos(0);
     QTest::qWait(50);
-    EXPECT_EQ(ends.count(), 0);
+    EXPECT_EQ(ends.count(), 1);
 }
 
 // Nothing a caller does to a closed player, or with positions outside the file, fails.
@@ -138,34 +119,15 @@ TEST(PlayerPlayback, ClosedPlayersAndPositionsOutsideTheFileAreHarmless) {
     player.PlayerSetPos(player.PlayerGetPos() + 1);
 }
 
-// Damaged files end in an error the user can be shown, never in a crash; a file cut short
-// plays what it holds.
-TEST(PlayerPlayback, DamagedFilesOpenWithAnErrorOrPlayWhatTheyHold) {
+// A missing file ends in an error the user can be shown; a file cut short plays what it holds.
+// (Noise and a cut MP4 are opened through the window in the playback tests.)
+TEST(PlayerPlayback, MissingFilesSayWhyAndCutFilesPlayWhatTheyHold) {
     TempFolder folder;
     FfmpegPlayer player;
-
-    const auto missing = player.PlayerOpen(folder.file("missing.avi"));
-    EXPECT_EQ(missing.number, ravelcue::media::media_error::FileNotFound);
-
-    QFile noise(folder.file("noise.avi"));
-    ASSERT_TRUE(noise.open(QIODevice::WriteOnly));
-    for (int i = 0; i < 4096; ++i) {
-        noise.putChar(static_cast<char>((i * 7919) % 251));
-    }
-    noise.close();
-    const auto garbage = player.PlayerOpen(noise.fileName());
-    EXPECT_FALSE(garbage.ok());
-    EXPECT_FALSE(garbage.text.isEmpty());
+    EXPECT_EQ(player.PlayerOpen(folder.file("missing.avi")).number,
+              ravelcue::media::media_error::FileNotFound);
     EXPECT_FALSE(player.IsOpen());
 
-    // An MP4 whose index (written at the end) is cut off.
-    const QString mp4 = folder.file("cut.mp4");
-    ASSERT_TRUE(makeVideo(mp4, "testsrc2=size=176x100:rate=25:duration=2", {"-c:v", "libx264"}));
-    QFile cutMp4(mp4);
-    ASSERT_TRUE(cutMp4.resize(cutMp4.size() / 2));
-    EXPECT_FALSE(player.PlayerOpen(mp4).ok());
-
-    // An AVI cut in the middle keeps the frames before the cut.
     const QString avi = makeClip(folder);
     QFile cutAvi(avi);
     ASSERT_TRUE(cutAvi.resize(cutAvi.size() / 2));

@@ -1,9 +1,9 @@
 #include "platform/sound/SoundOutput.h"
 
 #include "platform/sound/Tones.h"
+#include "support/MediaFiles.h"
 #include "support/TempFolder.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include <gtest/gtest.h>
@@ -50,27 +50,22 @@ TEST(ToneSamples, ASineOfTheFrequencyAndLengthAskedFor) {
 
 TEST(ReadWaveFile, ReadsWhatOtherProgramsWrite) {
     test::TempFolder folder;
-    struct Case {
-        const char* codec;
-        QAudioFormat::SampleFormat format;
-        int bytesPerSample;
-    };
-    for (const Case& c :
-         {Case{"pcm_s16le", QAudioFormat::Int16, 2}, Case{"pcm_f32le", QAudioFormat::Float, 4},
-          Case{"pcm_u8", QAudioFormat::UInt8, 1}}) {
-        const QString path = folder.file(QString("tone-%1.wav").arg(c.codec));
-        const std::string make = "ffmpeg -nostdin -v error -y -f lavfi -i "
-                                 "sine=frequency=440:sample_rate=22050:duration=0.2 -c:a " +
-                                 std::string(c.codec) + " '" + path.toStdString() + "'";
-        ASSERT_EQ(std::system(make.c_str()), 0);
+    for (const auto& [codec, format, bytesPerSample] :
+         {std::tuple{"pcm_s16le", QAudioFormat::Int16, 2},
+          {"pcm_f32le", QAudioFormat::Float, 4},
+          {"pcm_u8", QAudioFormat::UInt8, 1}}) {
+        SCOPED_TRACE(codec);
+        const QString path = folder.file(QString("tone-%1.wav").arg(codec));
+        ASSERT_TRUE(test::runFfmpeg({"-f", "lavfi", "-i",
+                                     "sine=frequency=440:sample_rate=22050:duration=0.2", "-c:a",
+                                     codec, path}));
         const std::optional<WaveSound> sound = ReadWaveFile(path);
-        ASSERT_TRUE(sound) << c.codec;
-        EXPECT_EQ(sound->format.sampleFormat(), c.format);
+        ASSERT_TRUE(sound);
+        EXPECT_EQ(sound->format.sampleFormat(), format);
         EXPECT_EQ(sound->format.sampleRate(), 22050);
         EXPECT_EQ(sound->format.channelCount(), 1);
-        EXPECT_EQ(sound->samples.size(), 4410 * c.bytesPerSample) << c.codec;
+        EXPECT_EQ(sound->samples.size(), 4410 * bytesPerSample);
     }
-
     EXPECT_FALSE(ReadWaveFile(folder.file("missing.wav")));
 }
 

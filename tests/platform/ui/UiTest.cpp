@@ -20,28 +20,20 @@
 namespace ravelcue::ui {
 namespace {
 
-TEST(SingleInstance, SecondStartFindsTheFirstAndAsksItToRaise) {
-    test::TempFolder folder;
-    const QString key =
-        QStringLiteral("RavelcueTest-") + QUuid::createUuid().toString(QUuid::Id128);
-    SingleInstance first(key, folder.path());
-    ASSERT_TRUE(first.claim());
-    SingleInstance second(key, folder.path());
-    EXPECT_FALSE(second.claim()) << "one running instance at a time";
-
-    QSignalSpy raised(&first, &SingleInstance::raiseRequested);
-    EXPECT_TRUE(second.askRunningToRaise());
-    EXPECT_TRUE(raised.wait(5000));
-    EXPECT_EQ(raised.count(), 1);
-}
-
-TEST(SingleInstance, LockIsFreeAgainWhenTheFirstEnds) {
+TEST(SingleInstance, SecondStartFindsTheFirstAndTheLockIsFreeWhenItEnds) {
     test::TempFolder folder;
     const QString key =
         QStringLiteral("RavelcueTest-") + QUuid::createUuid().toString(QUuid::Id128);
     {
         SingleInstance first(key, folder.path());
         ASSERT_TRUE(first.claim());
+        SingleInstance second(key, folder.path());
+        EXPECT_FALSE(second.claim()) << "one running instance at a time";
+
+        QSignalSpy raised(&first, &SingleInstance::raiseRequested);
+        EXPECT_TRUE(second.askRunningToRaise());
+        EXPECT_TRUE(raised.wait(5000));
+        EXPECT_EQ(raised.count(), 1);
     }
     SingleInstance next(key, folder.path());
     EXPECT_TRUE(next.claim());
@@ -50,6 +42,14 @@ TEST(SingleInstance, LockIsFreeAgainWhenTheFirstEnds) {
 TEST(StatusPopup, StaysUntilClosedAndClosesAtTheNextTurn) {
     const Clock clock(100.0);
     StatusPopup popup(clock);
+    const auto waitUntilClosed = [&] {
+        QElapsedTimer waited;
+        waited.start();
+        while (popup.window() != nullptr && waited.elapsed() < 5000) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        }
+        return popup.window() == nullptr;
+    };
     popup.ShowPopup(QStringLiteral("Loading Ravelcue. Please standby...."), 0);
     ASSERT_NE(popup.window(), nullptr);
     EXPECT_EQ(popup.window()->windowTitle(), "Status");
@@ -60,20 +60,11 @@ TEST(StatusPopup, StaysUntilClosedAndClosesAtTheNextTurn) {
 
     popup.ShowPopup(QString(), -1);
     EXPECT_EQ(text->text(), "") << "the label is blank for its last moment";
-    QElapsedTimer waited;
-    waited.start();
-    while (popup.window() != nullptr && waited.elapsed() < 5000) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
-    EXPECT_EQ(popup.window(), nullptr);
+    EXPECT_TRUE(waitUntilClosed());
 
     popup.ShowPopup(QStringLiteral("again"), 2);
     ASSERT_NE(popup.window(), nullptr) << "it loads anew";
-    waited.restart();
-    while (popup.window() != nullptr && waited.elapsed() < 5000) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
-    EXPECT_EQ(popup.window(), nullptr) << "closes itself after its seconds";
+    EXPECT_TRUE(waitUntilClosed()) << "closes itself after its seconds";
 }
 
 TEST(Clock, DelayServesEventsAndZeroReturnsAtOnce) {
