@@ -52,23 +52,5 @@ TEST_F(Layout, PanesGrowWithTheWindowAndQuadPanesCloseTheirGrid) {
     EXPECT_EQ(geometryOf("fmCapturetb").top(), 690);
 }
 
-TEST_F(Layout, ATinyWindowKeepsItsLastLayout) {
-    const QRect before = geometryOf("picCapture_0");
-    fixture.window().resize(320, 300);
-    QCoreApplication::processEvents();
-    EXPECT_EQ(geometryOf("picCapture_0"), before);
-    EXPECT_FALSE(fixture.find<QWidget>("picCapture_0")->isHidden());
-}
-
-TEST_F(Layout, BreakSpeedPaneSplitsBetweenItsTwoViews) {
-    fixture.click("cmdBreakSpeed");
-    resizeBy(0, 60);
-    EXPECT_EQ(geometryOf("picBreakSpeed"), QRect(152, 0, 800, 660));
-    EXPECT_EQ(geometryOf("Picture1"), QRect(0, 0, 800, 316));
-    EXPECT_EQ(geometryOf("Picture2"), QRect(0, 350, 800, 316));
-    EXPECT_EQ(geometryOf("lblBreakStatus").top(), 326);
-    EXPECT_EQ(geometryOf("fmBreakSpeedTB").top(), 660);
-}
-
 } // namespace
 } // namespace ravelcue::test

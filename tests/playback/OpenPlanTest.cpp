@@ -36,20 +36,6 @@ TEST(OpenPlan, APickedMemberFindsTheMembersOfItsSet) {
     EXPECT_EQ(one.firstPresent(), 3);
 }
 
-TEST(OpenPlan, NamesOutsideTheSetFormOpenAloneOrFindNothing) {
-    const auto disk = onDisk({"/d/Videos/match1(Cam1)+.avi", "/d/clips (old)/a(Cam1).avi"});
-    const OpenPlan saved = planVideoOpen("/d/Videos/match1(Cam1)+.avi", kCams, disk);
-    EXPECT_EQ(saved.way, OpenWay::Single) << "a saved copy opens alone despite its bracket";
-    EXPECT_EQ(saved.title, "match1(Cam1)+.avi");
-    EXPECT_EQ(planVideoOpen("/d/Videos/match1.avi", kCams, disk).way, OpenWay::Single);
-
-    // A bracket in a folder ends the base there, so no member can exist.
-    const OpenPlan folder = planVideoOpen("/d/clips (old)/a(Cam1).avi", kCams, disk);
-    EXPECT_TRUE(folder.isSet());
-    EXPECT_EQ(folder.presentCount(), 0);
-    EXPECT_EQ(folder.firstPresent(), -1);
-}
-
 TEST(OpenPlan, ImageSetsAreBoundByTheStampOfTheirStills) {
     // Stills of one Set taken at 14:05:09 open again as that Set, and a later still does not join.
     const std::string stamp = names::stillStamp(14, 5, 9);
