@@ -22,7 +22,7 @@ namespace ravelcue::playback {
 
 namespace {
 
-struct ButtonSpec {
+struct ButtonEntry {
     const char* key;
     const char* toolTip;
 };
@@ -37,11 +37,11 @@ QToolBar* makeToolBar(QWidget* parent, const QString& name, const QRect& geometr
     return bar;
 }
 
-QAction* addButton(QToolBar* bar, const QString& barName, const ButtonSpec& spec) {
-    const QString key = QString::fromLatin1(spec.key);
+QAction* addButton(QToolBar* bar, const QString& barName, const ButtonEntry& entry) {
+    const QString key = QString::fromLatin1(entry.key);
     QAction* action = bar->addAction(ui::toolbarIcon(key), key);
     action->setObjectName(barName + QLatin1Char('_') + key);
-    action->setToolTip(QString::fromLatin1(spec.toolTip));
+    action->setToolTip(QString::fromLatin1(entry.toolTip));
     action->setProperty("image", key);
     if (QWidget* button = bar->widgetForAction(action)) {
         button->setObjectName(barName + QLatin1Char('_') + key);
@@ -88,34 +88,34 @@ RunEditToolFrame::RunEditToolFrame(ui::WindowContext& context, QWidget* client)
 
 void RunEditToolFrame::buildToolbar1() {
     toolbar1_ = makeToolBar(frame_, QStringLiteral("Toolbar1"), QRect(6, 4, 200, 40));
-    static constexpr ButtonSpec kButtons[] = {{"Rewind", "Rewind Video"},
-                                              {"StepBack", "Step Back"},
-                                              {"Play", "Play Video"},
-                                              {"StepForward", "Step Forward"},
-                                              {"Stop", "Stop Video"}};
-    for (const ButtonSpec& spec : kButtons) {
-        buttons1_[QString::fromLatin1(spec.key)] =
-            addButton(toolbar1_, QStringLiteral("Toolbar1"), spec);
+    static constexpr ButtonEntry kButtons[] = {{"Rewind", "Rewind Video"},
+                                               {"StepBack", "Step Back"},
+                                               {"Play", "Play Video"},
+                                               {"StepForward", "Step Forward"},
+                                               {"Stop", "Stop Video"}};
+    for (const ButtonEntry& entry : kButtons) {
+        buttons1_[QString::fromLatin1(entry.key)] =
+            addButton(toolbar1_, QStringLiteral("Toolbar1"), entry);
     }
 }
 
 void RunEditToolFrame::buildToolbar2() {
     toolbar2_ = makeToolBar(frame_, QStringLiteral("Toolbar2"), QRect(6, 44, 400, 40));
-    static constexpr ButtonSpec kTools[] = {{"Line", "Draw Line"},
-                                            {"Vline", "Draw Vertical Line"},
-                                            {"Hline", "Draw Horizontal Line"},
-                                            {"Freehand", "Draw Freehand"},
-                                            {"Angle", "Measure Angle"},
-                                            {"Ellipse", "Draw Ellipse"},
-                                            {"Rectangle", "Draw Rectangle"},
-                                            {"Text", "PlaceText on video"}};
+    static constexpr ButtonEntry kTools[] = {{"Line", "Draw Line"},
+                                             {"Vline", "Draw Vertical Line"},
+                                             {"Hline", "Draw Horizontal Line"},
+                                             {"Freehand", "Draw Freehand"},
+                                             {"Angle", "Measure Angle"},
+                                             {"Ellipse", "Draw Ellipse"},
+                                             {"Rectangle", "Draw Rectangle"},
+                                             {"Text", "PlaceText on video"}};
     auto* group = new QActionGroup(toolbar2_);
     group->setExclusive(true);
-    for (const ButtonSpec& spec : kTools) {
-        QAction* action = addButton(toolbar2_, QStringLiteral("Toolbar2"), spec);
+    for (const ButtonEntry& entry : kTools) {
+        QAction* action = addButton(toolbar2_, QStringLiteral("Toolbar2"), entry);
         action->setCheckable(true);
         group->addAction(action);
-        buttons2_[QString::fromLatin1(spec.key)] = action;
+        buttons2_[QString::fromLatin1(entry.key)] = action;
     }
     buttons2_[QStringLiteral("Line")]->setChecked(true);
 
