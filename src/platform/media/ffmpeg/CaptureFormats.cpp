@@ -14,7 +14,7 @@ struct Compressor {
 constexpr std::array kCompressors{
     Compressor{"MJPEG", VideoCodec::Mjpeg},
     Compressor{"H.264", VideoCodec::H264},
-    Compressor{"MPEG-4 Part 2", VideoCodec::Mpeg4},
+    Compressor{"MPEG-4 Visual", VideoCodec::Mpeg4},
     Compressor{"FFV1 (lossless)", VideoCodec::Ffv1},
     Compressor{"HuffYUV (lossless)", VideoCodec::Huffyuv},
 };

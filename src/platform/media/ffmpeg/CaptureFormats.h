@@ -7,7 +7,7 @@
 namespace ravelcue::media::ffmpeg {
 
 // The compressors a capture offers for AVI files, in list order: MJPEG first, then H.264 and
-// MPEG-4 Part 2 (neither with B-frames, so every frame decodes in order), then the lossless FFV1
+// MPEG-4 Visual (neither with B-frames, so every frame decodes in order), then the lossless FFV1
 // and HuffYUV. Uncompressed BGR stands apart as index -1.
 int captureCompressorCount();
 QString captureCompressorName(int index);
