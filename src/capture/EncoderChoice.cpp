@@ -1,6 +1,7 @@
 #include "EncoderChoice.h"
 
 #include "core/AppSettings.h"
+#include "core/TextCase.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,17 +10,11 @@ namespace ravelcue::capture {
 
 namespace {
 
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
 int firstHolding(const std::string& name, int count,
                  const std::function<std::string(int)>& nameOf) {
-    const std::string wanted = lower(name);
+    const std::string wanted = asciiLower(name);
     for (int n = 0; n < count; ++n) {
-        if (lower(nameOf(n)).find(wanted) != std::string::npos) {
+        if (asciiLower(nameOf(n)).find(wanted) != std::string::npos) {
             return n;
         }
     }

@@ -1,5 +1,7 @@
 #include "FileSetNames.h"
 
+#include "TextCase.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -8,16 +10,9 @@ namespace ravelcue::names {
 
 namespace {
 
-std::string lower(std::string_view text) {
-    std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return out;
-}
-
 bool endsWithAnyCase(std::string_view text, std::string_view tail) {
     return text.size() >= tail.size() &&
-           lower(text.substr(text.size() - tail.size())) == lower(tail);
+           asciiLower(text.substr(text.size() - tail.size())) == asciiLower(tail);
 }
 
 std::string_view lastThree(std::string_view path) {

@@ -1,6 +1,7 @@
 #include "OpenPlan.h"
 
 #include "core/FileSetNames.h"
+#include "core/TextCase.h"
 
 #include <algorithm>
 
@@ -10,10 +11,7 @@ namespace {
 
 // "*.avi;*.AVI" for "avi".
 std::string bothCases(std::string_view extension) {
-    std::string upper(extension);
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return "*." + std::string(extension) + ";*." + upper;
+    return "*." + std::string(extension) + ";*." + asciiUpper(extension);
 }
 
 } // namespace

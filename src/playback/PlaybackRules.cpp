@@ -2,6 +2,7 @@
 
 #include "core/NumberFormat.h"
 #include "core/Rounding.h"
+#include "core/TextCase.h"
 
 #include <algorithm>
 #include <cctype>
@@ -69,9 +70,7 @@ std::optional<std::string> videoFileType(std::string_view path) {
     if (dot == std::string_view::npos || (slash != std::string_view::npos && dot < slash)) {
         return std::nullopt;
     }
-    std::string ending(path.substr(dot + 1));
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string ending = asciiLower(path.substr(dot + 1));
     for (std::string_view type : {"avi", "wmv", "mp4", "mov", "mkv"}) {
         if (ending == type) {
             return ending;
