@@ -6,16 +6,17 @@ set(CPACK_PACKAGE_NAME ravelcue)
 set(CPACK_PACKAGE_VENDOR Ravelcue)
 set(CPACK_PACKAGE_CONTACT "Ravelcue <${RAVELCUE_CONTACT_MAIL}>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "record, replay and measure cue-sport practice")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "record, replay and measure cue-sport practice
- Ravelcue is a desktop tool for players of pool, snooker and billiards. With
- up to four cameras and a microphone on one computer, a player can record the
- cameras together, replay and mark up the videos frame by frame, measure break
- speed from the sound of a shot, and train the stroke on coloured targets
- followed in live video, with a voice saying which way to move the hand.
- .
- Demo cameras and a demo microphone let every feature be tried without any
- hardware. The package also holds ravelcue-breakspeed, which measures a break
- in a recording made elsewhere.")
+# The summary above is the first line; CPack indents these lines and turns the empty one into
+# the paragraph mark.
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Ravelcue is a desktop tool for players of pool, snooker and billiards. With
+up to four cameras and a microphone on one computer, a player can record the
+cameras together, replay and mark up the videos frame by frame, measure break
+speed from the sound of a shot, and train the stroke on coloured targets
+followed in live video, with a voice saying which way to move the hand.
+
+Demo cameras and a demo microphone let every feature be tried without any
+hardware. The package also holds ravelcue-breakspeed, which measures a break
+in a recording made elsewhere.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
