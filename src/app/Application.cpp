@@ -1,6 +1,7 @@
 #include "Application.h"
 
 #include "MainWindow.h"
+#include "ProgramFiles.h"
 #include "core/ToneBus.h"
 #include "platform/media/ffmpeg/FfmpegEngine.h"
 #include "platform/settings/QSettingsStore.h"
@@ -12,6 +13,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QIcon>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -39,6 +41,9 @@ int runRavelcue(int& argc, char** argv, const RunOptions& options) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Ravelcue"));
     QApplication::setOrganizationName(QStringLiteral("Ravelcue"));
+    // Installed, the desktop matches the window to its menu entry and shows the theme's icon.
+    QApplication::setDesktopFileName(QStringLiteral("com.ravelcue.Ravelcue"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("ravelcue")));
 
     const ui::Clock clock;
     ui::QtPrompts prompts;
@@ -57,7 +62,7 @@ int runRavelcue(int& argc, char** argv, const RunOptions& options) {
     ToneBus tones;
     media::ffmpeg::FfmpegEngine engine(tones);
     QSettingsStore store;
-    const AppPaths paths{commonDataFolder(), QCoreApplication::applicationDirPath()};
+    const AppPaths paths{commonDataFolder(), programFolder(QCoreApplication::applicationDirPath())};
     ui::SystemDesktop desktop;
 
     MainWindow window({store, engine, prompts, popup, clock, tones, paths, desktop});
@@ -72,6 +77,7 @@ int runRavelcue(int& argc, char** argv, const RunOptions& options) {
 
     window.Form_Load();
     window.show();
+    reportProgramFiles(paths.programFolder);
     if (options.shown) {
         QTimer::singleShot(0, &window, [&window, &options] { options.shown(window); });
     }

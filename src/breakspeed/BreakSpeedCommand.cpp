@@ -2,6 +2,7 @@
 // It prints what the pane shows after a measurement, one field a line.
 
 #include "breakspeed/AudioAnalysis.h"
+#include "core/Version.h"
 
 #include <cstdio>
 #include <optional>
@@ -39,6 +40,7 @@ Options:
   --threshold N    0 to 4: a peak must be louder than 30%, 40%, 50%, 60% or 70%
                    of the loudest sound; default 2 (50%)
   -h, --help       show this text
+  --version        show the version
 
 Exit status: 0 with results; 1 when no two peaks are found (a weak signal, a single
 sound, an empty recording); 2 on a bad argument or a file that can't be read.
@@ -50,6 +52,7 @@ struct Options {
     SpeedSettings settings{0, 1};
     int thresholdIndex = 2;
     bool help = false;
+    bool version = false;
 };
 
 int badArgument(const std::string& message) {
@@ -94,6 +97,8 @@ std::optional<std::string> parseArguments(int argc, char** argv, Options& option
 
         if ((name == "-h" || name == "--help") && noValue()) {
             options.help = true;
+        } else if (name == "--version" && noValue()) {
+            options.version = true;
         } else if (name == "--metric" && noValue()) {
             options.settings.Units = 1;
         } else if (name == "--cueball" && noValue()) {
@@ -116,7 +121,7 @@ std::optional<std::string> parseArguments(int argc, char** argv, Options& option
             return "unknown option " + std::string(argument);
         }
     }
-    if (!options.help && options.file.empty()) {
+    if (!options.help && !options.version && options.file.empty()) {
         return "no recording given";
     }
     return std::nullopt;
@@ -131,6 +136,10 @@ int main(int argc, char** argv) {
     }
     if (options.help) {
         std::fwrite(kUsage.data(), 1, kUsage.size(), stdout);
+        return kResults;
+    }
+    if (options.version) {
+        std::printf("ravelcue-breakspeed %s\n", ravelcue::kVersionText);
         return kResults;
     }
 

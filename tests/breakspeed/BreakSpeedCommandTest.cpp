@@ -1,4 +1,5 @@
 #include "Recordings.h"
+#include "core/Version.h"
 
 #include <cstdio>
 #include <sys/wait.h>
@@ -86,6 +87,9 @@ TEST(BreakSpeedCommand, BadArgumentsAndUnreadableFiles) {
     const CommandRun help = RunCommand("--help");
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_NE(help.output.find("--no-cueball"), std::string::npos);
+    const CommandRun version = RunCommand("--version");
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_EQ(version.output, std::string("ravelcue-breakspeed ") + kVersionText + "\n");
 }
 
 } // namespace
