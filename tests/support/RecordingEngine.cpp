@@ -87,6 +87,7 @@ public:
     }
     QSize GetVideoSize() const override { return {640, 480}; }
     double GetFrameRate() const override { return 30; }
+    std::vector<media::VideoMode> VideoModes() const override { return {}; }
     void SetPreview(bool p) override {
         preview_ = p;
         note(QStringLiteral("SetPreview(%1)").arg(p));

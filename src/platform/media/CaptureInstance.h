@@ -2,6 +2,7 @@
 
 #include "CaptureStats.h"
 #include "MediaError.h"
+#include "VideoMode.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -39,6 +40,9 @@ public:
     // What the device really delivers (0x0 while disconnected).
     virtual QSize GetVideoSize() const = 0;
     virtual double GetFrameRate() const = 0;
+    // The modes VideoDevice offers, as preferredModes orders them; empty when it cannot say.
+    // Asks the device afresh; it need not be connected.
+    virtual std::vector<VideoMode> VideoModes() const = 0;
     virtual void SetPreview(bool preview) = 0;
     virtual bool Preview() const = 0;
     // Numbered component settings (42, 45): accepted and kept, with no effect.

@@ -49,4 +49,15 @@ VideoSource::Read DemoCameraSource::read(SourceFrame& frame, std::stop_token sto
     return Read::Frame;
 }
 
+std::vector<VideoMode> DemoCameraSource::modes() {
+    std::vector<VideoMode> all;
+    for (const QSize size :
+         {QSize(1920, 1080), QSize(1280, 720), QSize(800, 600), QSize(640, 480), QSize(320, 240)}) {
+        for (const double rate : {60.0, 30.0, 15.0}) {
+            all.push_back({size, rate, QStringLiteral("RGB")});
+        }
+    }
+    return all;
+}
+
 } // namespace ravelcue::media

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "../VideoMode.h"
 #include "../VideoSource.h"
 #include "DemoScene.h"
 
 #include <atomic>
 #include <memory>
+#include <vector>
 
 namespace ravelcue::media {
 
@@ -28,6 +30,9 @@ public:
     Read read(SourceFrame& frame, std::stop_token stop, QString& reason) override;
 
     static constexpr QSize kLargest{1920, 1080};
+    // What a demo camera offers in the format dialog: five sizes from 320x240 to 1920x1080, each
+    // at 60, 30 and 15 frames a second.
+    static std::vector<VideoMode> modes();
 
 private:
     CaptureClock::Clock::time_point timeOf(std::int64_t frame) const;

@@ -4,6 +4,7 @@
 #include "../VideoView.h"
 #include "CaptureFormats.h"
 #include "DeviceVideoSource.h"
+#include "V4l2Modes.h"
 
 #include <QFileInfo>
 #include <QMetaObject>
@@ -52,6 +53,20 @@ void FfmpegCapture::SetConnected(bool connected) {
         return;
     }
     startWorker();
+}
+
+std::vector<VideoMode> FfmpegCapture::VideoModes() const {
+    const VideoDeviceEntry* device = engine_->devices.videoDevice(device_);
+    if (device == nullptr) {
+        return {};
+    }
+    if (device->demoNumber > 0) {
+        return DemoCameraSource::modes();
+    }
+    if (device->inputFormat == QLatin1String("video4linux2")) {
+        return preferredModes(queryV4l2Modes(device->url));
+    }
+    return {};
 }
 
 std::unique_ptr<VideoSource> FfmpegCapture::openSource(QSize size, QString& reason) {
