@@ -150,7 +150,7 @@ SetupAcceptance acceptSetupForm(const SetupForm& form, const AppSettings& inForc
             const int selection = inRange(row.selection, form.videoEntries.size());
             s.VideoSource[i] = selectedText(form.videoEntries, selection);
             s.VideoDeviceIndex[i] = selection;
-            s.CamEnable[i] = row.enabled && row.canEnable ? 1 : 0;
+            s.CamEnable[i] = row.enabled ? 1 : 0;
         }
         s.CamNickname[i] = cleanNickname(row.nickname).text;
     }
