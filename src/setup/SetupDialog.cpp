@@ -1,6 +1,7 @@
 #include "SetupDialog.h"
 
 #include "FormatSettingsDialog.h"
+#include "SourceSettingsDialog.h"
 #include "core/NumberFormat.h"
 #include "core/SettingsStore.h"
 #include "core/TextNumbers.h"
@@ -178,11 +179,13 @@ void SetupDialog::buildVideoFrame() {
         grid->addWidget(txtNickname_[k], row, 3);
         connect(txtNickname_[k], &QLineEdit::textChanged, this,
                 [this, i] { txtNickname_Change(i); });
-        // The device's own controls are not offered yet.
         cmdSourceDlg_[k] = ui::makeDialogButton(
             video, ui::indexedName(QStringLiteral("cmdSourceDlg"), i),
             QStringLiteral("Source Settings"), QStringLiteral("Set video source settings"));
+        // Enabled once the row's device is connected and offers settings of its own.
         cmdSourceDlg_[k]->setEnabled(false);
+        connect(cmdSourceDlg_[k], &QPushButton::clicked, this,
+                [this, i] { cmdSourceDlg_Click(i); });
         grid->addWidget(cmdSourceDlg_[k], row, 4);
         cmdVideoFormatDlg_[k] = ui::makeDialogButton(
             video, ui::indexedName(QStringLiteral("cmdVideoFormatDlg"), i),
@@ -460,6 +463,17 @@ void SetupDialog::ConnectPreview(int index, int deviceIndex) {
     capture.SetPreview(true);
     showReadBack(index);
     cmdVideoFormatDlg_[k]->setEnabled(capture.Connected() && !capture.VideoModes().empty());
+    cmdSourceDlg_[k]->setEnabled(capture.Connected() && !capture.DeviceControls().empty());
+}
+
+void SetupDialog::cmdSourceDlg_Click(int index) {
+    media::CaptureInstance* capture = &preview(index);
+    auto* dialog = new SourceSettingsDialog(
+        {[capture] { return capture->DeviceControls(); },
+         [capture](unsigned id, int value) { return capture->SetDeviceControl(id, value); }},
+        cboVideoSource_[static_cast<size_t>(index)]->currentText(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 void SetupDialog::cmdVideoFormatDlg_Click(int index) {

@@ -92,6 +92,7 @@ private:
     void releaseDevices();
 
     void cboVideoSource_Click();
+    void cmdSourceDlg_Click(int index);
     void cmdVideoFormatDlg_Click(int index);
     void cmdVideoCompression_Click();
     void cmdMarkerColor_Click();

@@ -8,6 +8,7 @@
 #include "platform/media/demo/DemoStamp.h"
 #include "setup/FormatSettingsDialog.h"
 #include "setup/SetupDialog.h"
+#include "setup/SourceSettingsDialog.h"
 #include "support/Ffprobe.h"
 
 #include <QCheckBox>
@@ -18,6 +19,7 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSlider>
 
 #include <gtest/gtest.h>
 
@@ -209,6 +211,55 @@ TEST_F(SetupWindow, AFormatChosenFromTheModesIsShownStoredAndUsedLiveAndInARecor
     ASSERT_TRUE(probe.ok);
     EXPECT_EQ(QSize(probe.width, probe.height), QSize(1280, 720));
     EXPECT_NEAR(probe.frameRate, 60.0, 0.01);
+}
+
+// The mean grey of a demo picture below its stamp band, every fourth pixel.
+double meanGrey(const QImage& picture) {
+    const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
+    double sum = 0;
+    int count = 0;
+    for (int y = media::demoStampBandHeight(rgb.size()); y < rgb.height(); y += 4) {
+        for (int x = 0; x < rgb.width(); x += 4) {
+            sum += qGray(rgb.pixel(x, y));
+            ++count;
+        }
+    }
+    return count > 0 ? sum / count : 0;
+}
+
+TEST_F(SetupWindow, SourceSettingsChangeTheDemoPictureAtOnceAndTheCameraKeepsThem) {
+    setup::SetupDialog& setup = open();
+    media::VideoView* view = setup.preview(0).view();
+    ASSERT_TRUE(WindowFixture::waitForPicture(view));
+    const double before = meanGrey(view->currentFrame());
+    ASSERT_TRUE(in<QPushButton>("cmdSourceDlg_0")->isEnabled());
+    press("cmdSourceDlg_0");
+    auto* source = setup.findChild<setup::SourceSettingsDialog*>();
+    ASSERT_NE(source, nullptr);
+    auto* brightness = source->findChild<QSlider*>("Brightness");
+    ASSERT_NE(brightness, nullptr);
+    ASSERT_NE(source->findChild<QSlider*>("Contrast"), nullptr);
+    brightness->setValue(80);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return meanGrey(view->currentFrame()) > before + 40; }, 5000));
+    EXPECT_TRUE(media::readDemoStamp(view->currentFrame()).valid) << "the stamps stay readable";
+    source->findChild<QPushButton*>("cmdClose")->click();
+
+    press("cmdOK");
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return meanGrey(cam(0).view()->currentFrame()) > before + 40; }, 5000))
+        << "the main window's live view shows the camera as it was set";
+
+    // Defaults put it back.
+    fixture.click("mnuSetup");
+    press("cmdSourceDlg_0");
+    source = dialog()->findChild<setup::SourceSettingsDialog*>();
+    EXPECT_EQ(source->findChild<QSlider*>("Brightness")->value(), 80);
+    source->findChild<QPushButton*>("cmdDefaults")->click();
+    EXPECT_EQ(source->findChild<QSlider*>("Brightness")->value(), 0);
+    media::VideoView* again = dialog()->preview(0).view();
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return meanGrey(again->currentFrame()) < before + 20; }, 5000));
 }
 
 TEST_F(SetupWindow, EscapeCancelsStoresNothingAndKeepsTheWidthForTheRun) {
