@@ -139,15 +139,9 @@ SetupDialog::SetupDialog(SetupServices services, QWidget* owner)
     connect(tmrAudioLevel_, &QTimer::timeout, this, &SetupDialog::tmrAudioLevel_Timer);
 }
 
+// The capture instances, members, go before the dialog's widgets and take their pictures with them.
 SetupDialog::~SetupDialog() {
     releaseDevices();
-    // The previews' pictures are widgets of this dialog; the instances go before them.
-    for (auto& capture : previews_) {
-        if (capture) {
-            capture->view()->setParent(nullptr);
-            delete capture->view();
-        }
-    }
 }
 
 media::CaptureInstance& SetupDialog::preview(int index) const {

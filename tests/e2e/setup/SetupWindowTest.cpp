@@ -11,6 +11,7 @@
 #include "setup/SourceSettingsDialog.h"
 #include "support/Ffprobe.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -20,6 +21,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
+#include <QTextBrowser>
 
 #include <gtest/gtest.h>
 
@@ -109,6 +111,16 @@ TEST_F(SetupWindow, OpensWithTheCamerasInItsOwnPreviewsAndTheirReadBack) {
 
     press("cmdVideoCompression");
     EXPECT_EQ(fixture.prompts.texts(), QStringList{"No codec set"});
+
+    press("cmdHelp");
+    QTextBrowser* help = nullptr;
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+        if (top->objectName() == QLatin1String("frmHelp") && top->isVisible()) {
+            help = top->findChild<QTextBrowser*>("txtHelp");
+        }
+    }
+    ASSERT_NE(help, nullptr);
+    EXPECT_EQ(help->source(), QUrl("qrc:/help/160.html"));
 }
 
 TEST_F(SetupWindow, OkStoresTheChoicesAndTheMainWindowFollows) {
