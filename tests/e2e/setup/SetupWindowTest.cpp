@@ -296,6 +296,19 @@ TEST_F(SetupWindow, EscapeCancelsStoresNothingAndKeepsTheWidthForTheRun) {
     EXPECT_FALSE(cam(3).Connected()) << "a disabled camera stays away";
 }
 
+TEST_F(SetupWindow, AStoredDeviceBeyondTheListLeavesItsRowEmptyAndItsSizeAsItWas) {
+    fixture.store.writeText("Video Device Index-2", "9");
+    fixture.store.writeText("Video Size-2", "800x600");
+    open();
+    EXPECT_EQ(in<QComboBox>("cboVideoSource_2")->currentIndex(), -1);
+    EXPECT_EQ(in<QLabel>("lblVidSize_2")->text(), "0x0") << "what the device reports";
+    press("cmdOK");
+    EXPECT_EQ(fixture.store.readText("Video Source-2"), "");
+    EXPECT_EQ(fixture.store.readText("Video Device Index-2"), "-1");
+    EXPECT_EQ(fixture.store.readText("Video Size-2"), "800x600") << "nothing read back to keep";
+    EXPECT_FALSE(cam(2).Connected()) << "enabled, but without a device";
+}
+
 TEST_F(SetupWindow, ADistanceThatIsNotANumberIsRefusedAndNothingIsStored) {
     open();
     const Values before = fixture.store.values();
