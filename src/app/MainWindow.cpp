@@ -61,6 +61,7 @@ MainWindow::MainWindow(const MainWindowServices& services, QWidget* parent)
     buildPanes();
     wireCommands();
     wireUtilities();
+    wireSetup();
 }
 
 MainWindow::~MainWindow() = default;

@@ -10,6 +10,8 @@
 #include "platform/ui/WindowContext.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <QHash>
 #include <QMainWindow>
@@ -151,13 +153,21 @@ private:
     void cmdDeleteFiles_Click();
 
     // Start-up steps that need more than a line.
-    void connectEnabledCameras();
+    enum class SettingsFrom { StartUp, Setup };
+    // The units, the microphone and the camera rows of the settings in force, from start-up or
+    // from Setup's OK.
+    void applySettings(const AppSettings& accepted, SettingsFrom from);
+    void connectEnabledCameras(SettingsFrom from);
+    std::vector<std::string> videoDeviceNames();
     void askOrRunUpdateCheck();
     void runSilentUpdateCheck();
     void setUnitCaptions();
 
     // Delete Files, the update check, help and About.
     void wireUtilities();
+    // Setup: MainWindowSetup.cpp.
+    void wireSetup();
+    void mnuSetup_Click();
 
     MainWindowServices services_;
     AppState state_;

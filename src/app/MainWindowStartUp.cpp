@@ -12,6 +12,7 @@
 #include "platform/ui/StatusPanels.h"
 #include "platform/ui/StatusPopup.h"
 #include "playback/RunEditToolFrame.h"
+#include "setup/SetupForm.h"
 #include "training/TrainingToolFrame.h"
 
 #include <cmath>
@@ -59,6 +60,10 @@ void MainWindow::Form_Load() {
     // 7 has nothing to do here: the microphone has no picture of its own.
     // 8: settings.
     settings_ = LoadSettings(services_.store);
+    // A first start: the machine's own camera, when it has one, is camera 1.
+    if (auto chosen = setup::chooseFirstCamera(settings_, videoDeviceNames())) {
+        settings_ = *chosen;
+    }
 
     // 9: the data folder, made with its two subfolders when missing.
     state_.AppDataDir =
@@ -67,25 +72,8 @@ void MainWindow::Form_Load() {
     QDir().mkpath(dataFolder.filePath(QStringLiteral("Videos")));
     QDir().mkpath(dataFolder.filePath(QStringLiteral("Images")));
 
-    // 10: units.
-    setUnitCaptions();
-
-    // 11: the microphone.
-    if (!settings_.AudioSource.empty()) {
-        ConnectAudio(settings_.AudioDeviceIndex);
-    } else {
-        media_.audio->SetAudioDevice(0);
-        commandStrip_->lblMessageBox()->setText(
-            QStringLiteral("No audio source detected. Select audio source on Setup window"));
-    }
-
-    // 12-13: the cameras, when camera 0 has a source.
-    if (settings_.VideoSource[static_cast<size_t>(state_.SelectedCam)].empty()) {
-        commandStrip_->lblMessageBox()->setText(
-            QStringLiteral("No video source detected. Select video source on Setup window"));
-    } else {
-        connectEnabledCameras();
-    }
+    // 10-13: the units, the microphone and the cameras, as Setup's OK applies them too.
+    applySettings(settings_, SettingsFrom::StartUp);
 
     // 14-16.
     InitPlayers();
@@ -127,23 +115,30 @@ void MainWindow::setUnitCaptions() {
     }
 }
 
-void MainWindow::connectEnabledCameras() {
+void MainWindow::connectEnabledCameras(SettingsFrom from) {
+    const bool startUp = from == SettingsFrom::StartUp;
     for (int i = 0; i < kCameraCount; ++i) {
         const auto k = static_cast<size_t>(i);
         const QString nickname = QString::fromStdString(settings_.CamNickname[k]);
         commandStrip_->optCamSelect(i)->setToolTip(nickname);
         captureFrame_->lblCamName(i)->setText(nickname);
-        menus_.mnuPlayer[k]->setText(nickname);
-        menus_.mnuCamera[k]->setText(nickname);
-        if (settings_.cameraEnabled(i)) {
-            commandStrip_->optCamSelect(i)->setEnabled(true);
-            commandStrip_->lblCam(i)->setEnabled(true);
-            captureFrame_->chkCapture(i)->setEnabled(true);
-            captureFrame_->lblCamName(i)->setEnabled(true);
-            captureFrame_->chkCapture(i)->setChecked(true);
-            state_.PlayerEnable[k] = true;
+        if (startUp) {
+            // The menus take new nicknames only at a start.
+            menus_.mnuPlayer[k]->setText(nickname);
+            menus_.mnuCamera[k]->setText(nickname);
+        }
+        const bool enabled = settings_.cameraEnabled(i);
+        commandStrip_->optCamSelect(i)->setEnabled(enabled);
+        commandStrip_->lblCam(i)->setEnabled(enabled);
+        captureFrame_->chkCapture(i)->setEnabled(enabled);
+        captureFrame_->lblCamName(i)->setEnabled(enabled);
+        captureFrame_->chkCapture(i)->setChecked(enabled);
+        menus_.mnuCamera[k]->setEnabled(enabled);
+        if (enabled) {
+            if (startUp) {
+                state_.PlayerEnable[k] = true;
+            }
             ConnectCam(i, settings_.VideoDeviceIndex[k], state_.LiveRenderMode);
-            menus_.mnuCamera[k]->setEnabled(true);
         }
     }
 }

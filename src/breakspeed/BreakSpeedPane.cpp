@@ -211,6 +211,13 @@ void BreakSpeedPane::cmdStartBreakSpeed_Click() {
     const QString caption = cmdStartBreakSpeed_->text();
     media::AudioInstance& audio = *context_.media.audio;
     if (caption == kStartCaption) {
+        // Without a microphone there is nothing to wait a minute for.
+        if (!audio.Connected()) {
+            context_.prompts.message(
+                QStringLiteral("No audio source. Select one on the Setup window"),
+                ui::MessageIcon::Exclamation);
+            return;
+        }
         context_.mode.State("StartCaptureAudio");
         Picture1_->Cls();
         Picture2_->Cls();

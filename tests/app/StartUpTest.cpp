@@ -117,6 +117,19 @@ TEST(StartUp, OnlyCameraZerosSourceDecidesWhetherCamerasConnect) {
               "No video source detected. Select video source on Setup window");
 }
 
+TEST(StartUp, AFirstStartTakesTheMachinesOwnCameraAsCameraOne) {
+    RecordingEngine engine({"Demo Camera 1", "HD Webcam", "Other Webcam"});
+    WindowFixture fixture(&engine);
+    fixture.answeredUpdateQuestion();
+    fixture.start();
+    EXPECT_TRUE(engine.calls("cam0.").contains("cam0.SetVideoDevice(1)"));
+    EXPECT_TRUE(engine.calls("cam1.").isEmpty());
+    EXPECT_TRUE(fixture.find<QRadioButton>("optCamSelect_0")->isEnabled());
+    EXPECT_EQ(fixture.text("lblMessageBox"),
+              "No audio source detected. Select audio source on Setup window");
+    EXPECT_FALSE(fixture.store.readText("Video Source-0")) << "stored only by Setup's OK";
+}
+
 TEST(StartUp, StoredDistanceAndUnitsReachTheBreakSpeedFields) {
     WindowFixture fixture;
     fixture.answeredUpdateQuestion("2");

@@ -27,7 +27,12 @@ std::optional<QString> ScriptedPrompts::openFile(const ui::OpenFileRequest& requ
 }
 
 std::optional<QColor> ScriptedPrompts::chooseColor(const QColor&) {
-    return std::nullopt;
+    if (colors_.empty()) {
+        return std::nullopt;
+    }
+    const QColor color = colors_.front();
+    colors_.pop_front();
+    return color;
 }
 
 QStringList ScriptedPrompts::texts() const {

@@ -29,6 +29,7 @@ public:
     void answerNext(ui::MessageAnswer answer) { answers_.push_back(answer); }
     // A null path cancels the dialog.
     void chooseFileNext(const QString& path) { files_.push_back(path); }
+    void chooseColorNext(const QColor& color) { colors_.push_back(color); }
 
     const std::vector<Shown>& shown() const { return shown_; }
     QStringList texts() const;
@@ -38,6 +39,7 @@ public:
 private:
     std::deque<ui::MessageAnswer> answers_;
     std::deque<QString> files_;
+    std::deque<QColor> colors_;
     std::vector<Shown> shown_;
     std::vector<ui::OpenFileRequest> fileRequests_;
 };

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "CaptureStats.h"
+#include "DeviceControl.h"
 #include "MediaError.h"
+#include "VideoMode.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -39,6 +41,13 @@ public:
     // What the device really delivers (0x0 while disconnected).
     virtual QSize GetVideoSize() const = 0;
     virtual double GetFrameRate() const = 0;
+    // The modes VideoDevice offers, as preferredModes orders them; empty when it cannot say.
+    // Asks the device afresh; it need not be connected.
+    virtual std::vector<VideoMode> VideoModes() const = 0;
+    // The device's own settings (brightness, contrast, exposure, ...), read afresh; empty when it
+    // offers none. A value set takes effect at once and stays with the device for the run.
+    virtual std::vector<DeviceControl> DeviceControls() const = 0;
+    virtual bool SetDeviceControl(unsigned id, int value) = 0;
     virtual void SetPreview(bool preview) = 0;
     virtual bool Preview() const = 0;
     // Numbered component settings (42, 45): accepted and kept, with no effect.

@@ -4,6 +4,8 @@
 #include "../VideoView.h"
 #include "CaptureFormats.h"
 #include "DeviceVideoSource.h"
+#include "V4l2Controls.h"
+#include "V4l2Modes.h"
 
 #include <QFileInfo>
 #include <QMetaObject>
@@ -52,6 +54,48 @@ void FfmpegCapture::SetConnected(bool connected) {
         return;
     }
     startWorker();
+}
+
+std::vector<VideoMode> FfmpegCapture::VideoModes() const {
+    const VideoDeviceEntry* device = engine_->devices.videoDevice(device_);
+    if (device == nullptr) {
+        return {};
+    }
+    if (device->demoNumber > 0) {
+        return DemoCameraSource::modes();
+    }
+    if (device->inputFormat == QLatin1String("video4linux2")) {
+        return preferredModes(queryV4l2Modes(device->url));
+    }
+    return {};
+}
+
+std::vector<DeviceControl> FfmpegCapture::DeviceControls() const {
+    const VideoDeviceEntry* device = engine_->devices.videoDevice(device_);
+    if (device == nullptr) {
+        return {};
+    }
+    if (device->demoNumber > 0) {
+        return demoCameraControls(*engine_->demoPlugs[size_t(device->demoNumber - 1)]);
+    }
+    if (device->inputFormat == QLatin1String("video4linux2")) {
+        return queryV4l2Controls(device->url);
+    }
+    return {};
+}
+
+bool FfmpegCapture::SetDeviceControl(unsigned id, int value) {
+    const VideoDeviceEntry* device = engine_->devices.videoDevice(device_);
+    if (device == nullptr) {
+        return false;
+    }
+    if (device->demoNumber > 0) {
+        return setDemoCameraControl(*engine_->demoPlugs[size_t(device->demoNumber - 1)], id, value);
+    }
+    if (device->inputFormat == QLatin1String("video4linux2")) {
+        return setV4l2Control(device->url, id, value);
+    }
+    return false;
 }
 
 std::unique_ptr<VideoSource> FfmpegCapture::openSource(QSize size, QString& reason) {

@@ -38,6 +38,9 @@ public:
     bool SetVideoSize(int width, int height) override;
     QSize GetVideoSize() const override;
     double GetFrameRate() const override;
+    std::vector<VideoMode> VideoModes() const override;
+    std::vector<DeviceControl> DeviceControls() const override;
+    bool SetDeviceControl(unsigned id, int value) override;
     void SetPreview(bool preview) override { preview_ = preview; }
     bool Preview() const override { return preview_; }
     void SetSetting(int number, int value) override { settings_[number] = value; }
