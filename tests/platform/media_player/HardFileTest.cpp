@@ -1,4 +1,6 @@
 #include "PlayerTestSupport.h"
+#include "platform/media/demo/DemoStamp.h"
+#include "platform/media/ffmpeg/CaptureRecorder.h"
 #include "support/Ffprobe.h"
 #include "support/MediaFiles.h"
 #include "support/TempFolder.h"
@@ -7,10 +9,14 @@
 #include <functional>
 #include <map>
 #include <random>
+#include <thread>
 
 #include <gtest/gtest.h>
 
+using ravelcue::media::CaptureClock;
+using ravelcue::media::ffmpeg::CaptureRecorder;
 using ravelcue::media::ffmpeg::FfmpegPlayer;
+using ravelcue::media::ffmpeg::VideoCodec;
 using namespace ravelcue::test;
 
 namespace {
@@ -196,5 +202,68 @@ TEST_P(HardFileTest, EveryFrameIsTheOneFfmpegDecodes) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, HardFileTest, ::testing::ValuesIn(hardFiles()),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
+
+// Our own Set members: the first picture came two slots after the release, and one that went
+// missing later leaves a gap. Positions are ffprobe's times counted from the first picture.
+class RecordedMemberTest : public ::testing::TestWithParam<VideoCodec> {
+protected:
+    TempFolder folder;
+};
+
+TEST_P(RecordedMemberTest, PositionsCountFromTheFirstPicture) {
+    using namespace std::chrono_literals;
+    constexpr auto kSlot = 100ms; // ten frames a second
+    const QString path = folder.file("member.avi");
+    ravelcue::media::MediaError error;
+    auto recorder = CaptureRecorder::start({path, 160, 120, {10, 1}, GetParam()}, {}, error);
+    ASSERT_TRUE(recorder) << error.text.toStdString();
+    const auto released = CaptureClock::now();
+    std::this_thread::sleep_for(12 * kSlot);
+    for (const int slot : {2, 3, 4, 6, 7, 8, 9, 10, 11}) {
+        QImage picture(160, 120, QImage::Format_RGB32);
+        picture.fill(QColor::fromHsv(slot * 30, 200, 200));
+        ravelcue::media::drawDemoStampBand(picture, static_cast<std::uint32_t>(slot), 0);
+        recorder->offer(picture, released + slot * kSlot + kSlot / 2);
+    }
+    ASSERT_TRUE(recorder->stop().ok());
+
+    std::vector<QImage> pictures;
+    ASSERT_TRUE(
+        forEachFrame(path, [&](int, const QImage& picture) { pictures.push_back(picture); }));
+    const std::vector<double> times = frameTimesMs(path);
+    ASSERT_EQ(times.size(), pictures.size());
+    ASSERT_EQ(static_cast<int>(pictures.size()), probeVideo(path).frameCount);
+    // AVI holds no offset before its first picture: that one sits at 0 and the slots it came
+    // late by widen the gap after it, so from the second picture on the member is in step with
+    // one that started on time.
+    EXPECT_NEAR(times[1], 300.0, 0.5);
+
+    FfmpegPlayer player;
+    ASSERT_TRUE(player.PlayerOpen(path).ok());
+    EXPECT_EQ(player.PlayerGetFrameCount(), static_cast<int>(pictures.size()));
+    for (const int frame : {static_cast<int>(pictures.size()) - 1, 0, 3, 2, 1}) {
+        SCOPED_TRACE(testing::Message() << "frame " << frame);
+        ASSERT_TRUE(showFrame(player, frame));
+        EXPECT_NEAR(player.PlayerGetPos(), times[static_cast<size_t>(frame)], 0.5);
+        EXPECT_LT(meanDifference(player.pictureOnShow(), pictures[static_cast<size_t>(frame)]),
+                  kSameFrame);
+    }
+    player.PlayerSetPos(times[3]);
+    ASSERT_TRUE(player.waitForFrame());
+    EXPECT_EQ(player.PlayerGetFrame(), 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Codecs, RecordedMemberTest,
+                         ::testing::Values(VideoCodec::Mjpeg, VideoCodec::Mpeg4, VideoCodec::H264),
+                         [](const auto& parameter) {
+                             switch (parameter.param) {
+                             case VideoCodec::Mjpeg:
+                                 return std::string("Mjpeg");
+                             case VideoCodec::Mpeg4:
+                                 return std::string("Mpeg4");
+                             default:
+                                 return std::string("H264");
+                             }
+                         });
 
 } // namespace
