@@ -311,8 +311,9 @@ bool PlayerWorker::prefetchOne() {
 }
 
 bool PlayerWorker::prefetchBackwards() {
-    // Frames within reach of a few back steps; the rest of the budget stays for the frames
-    // around the one on show.
+    // Starts when a frame within half the budget behind is missing, then fills all the budget
+    // leaves behind the frames ahead, so that a long group of pictures is decoded again once
+    // for each stretch of steps, not for each step.
     const std::int64_t reach = cache_.capacity() / 2;
     std::int64_t missing = onShow_ - 1;
     const std::int64_t lowest = std::max<std::int64_t>(0, onShow_ - reach);
@@ -324,7 +325,8 @@ bool PlayerWorker::prefetchBackwards() {
     }
     backwardsTriedFor_ = missing; // a file that cannot give this frame is not asked again
     const std::int64_t keyframe = index_->keyframeAtOrBefore(missing);
-    const std::int64_t keepFrom = std::max(keyframe, onShow_ - reach);
+    const std::int64_t keepFrom =
+        std::max(keyframe, onShow_ - cache_.capacity() + kPrefetchFrames + 1);
     source_->skipUnreferencedBefore(keepFrom);
     source_->seekToKeyframe(keyframe);
     std::uint64_t seen = commands_;
