@@ -181,6 +181,7 @@ void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
         }
     }
     seekServed_ = request;
+    backwardsTriedFor_ = -1; // frames evicted since may be wanted again
     prefetchNotBefore_ = std::chrono::steady_clock::now() + kPrefetchDelay;
     settled_.notify_all();
 }
