@@ -159,8 +159,8 @@ TEST_P(HardFileTest, EveryFrameIsTheOneFfmpegDecodes) {
     ASSERT_TRUE(kind.make(folder, path));
 
     std::vector<QImage> pictures;
-    ASSERT_TRUE(
-        forEachFrame(path, [&](int, const QImage& picture) { pictures.push_back(picture); }));
+    ASSERT_TRUE(forEachFrame(path, QSize(176, 100),
+                             [&](int, const QImage& picture) { pictures.push_back(picture); }));
     const int count = probeVideo(path).frameCount;
     ASSERT_EQ(static_cast<int>(pictures.size()), count);
     const std::vector<double> times = frameTimesMs(path);
@@ -228,8 +228,8 @@ TEST_P(RecordedMemberTest, PositionsCountFromTheFirstPicture) {
     ASSERT_TRUE(recorder->stop().ok());
 
     std::vector<QImage> pictures;
-    ASSERT_TRUE(
-        forEachFrame(path, [&](int, const QImage& picture) { pictures.push_back(picture); }));
+    ASSERT_TRUE(forEachFrame(path, QSize(160, 120),
+                             [&](int, const QImage& picture) { pictures.push_back(picture); }));
     const std::vector<double> times = frameTimesMs(path);
     ASSERT_EQ(times.size(), pictures.size());
     ASSERT_EQ(static_cast<int>(pictures.size()), probeVideo(path).frameCount);
