@@ -10,6 +10,7 @@ namespace ravelcue::bench {
 int runPlayerBench(const QString& folder);
 int runBurnInBench(const QString& folder);
 int runPlayerBenchOn(const QString& path);
+int runOpenBench();
 } // namespace ravelcue::bench
 
 // Generates its media into a temporary folder with the ffmpeg command line, then prints the
@@ -28,6 +29,9 @@ int main(int argc, char** argv) {
     const QStringList arguments = app.arguments();
     const bool onlyBurn = arguments.contains(QStringLiteral("--burn-in"));
     const bool onlyPlayer = arguments.contains(QStringLiteral("--player"));
+    if (arguments.contains(QStringLiteral("--open"))) {
+        return ravelcue::bench::runOpenBench() == 0 ? 0 : 1; // long files and back steps only
+    }
     const qsizetype file = arguments.indexOf(QStringLiteral("--file"));
     if (file > 0 && file + 1 < arguments.size()) {
         return ravelcue::bench::runPlayerBenchOn(
@@ -36,6 +40,7 @@ int main(int argc, char** argv) {
     int failures = 0;
     if (!onlyBurn) {
         failures += ravelcue::bench::runPlayerBench(folder.path());
+        failures += ravelcue::bench::runOpenBench();
     }
     if (!onlyPlayer) {
         failures += ravelcue::bench::runBurnInBench(folder.path());

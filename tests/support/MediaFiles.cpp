@@ -97,6 +97,27 @@ std::vector<double> frameTimesMs(const QString& path) {
     return times;
 }
 
+std::vector<int> keyframeNumbers(const QString& path) {
+    bool ok = false;
+    const QByteArray out = runTool(QStringLiteral("ffprobe"),
+                                   {"-v", "error", "-select_streams", "v:0", "-show_entries",
+                                    "frame=key_frame", "-of", "csv=p=0", path},
+                                   &ok);
+    std::vector<int> keyframes;
+    int number = 0;
+    for (const QByteArray& line : out.split('\n')) {
+        const QByteArray field = line.split(',').front().trimmed();
+        if (field.isEmpty()) {
+            continue;
+        }
+        if (field == "1") {
+            keyframes.push_back(number);
+        }
+        ++number;
+    }
+    return keyframes;
+}
+
 double soundSeconds(const QString& path) {
     bool ok = false;
     const QByteArray out = runTool(QStringLiteral("ffprobe"),

@@ -20,6 +20,9 @@ QImage extractFrame(const QString& path, int number);
 // Presentation times in milliseconds of every frame ffprobe decodes, in order.
 std::vector<double> frameTimesMs(const QString& path);
 
+// The numbers of the frames ffprobe decodes as keyframes, ascending.
+std::vector<int> keyframeNumbers(const QString& path);
+
 // Seconds of sound in the file's first audio stream, from its first packet to the end of its
 // last; 0 when it has none.
 double soundSeconds(const QString& path);

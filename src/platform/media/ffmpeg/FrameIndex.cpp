@@ -35,50 +35,87 @@ std::int64_t typicalDuration(const std::vector<std::int64_t>& sortedStamps, AVRa
 } // namespace
 
 FrameIndex::FrameIndex(const std::vector<Packet>& packets, AVRational timeBase,
-                       AVRational fallbackFrameRate)
+                       AVRational fallbackFrameRate, int outputDelay)
     : timeBase_(timeBase) {
-    framesCarryStamps_ = std::any_of(packets.begin(), packets.end(),
-                                     [](const Packet& p) { return p.pts != AV_NOPTS_VALUE; });
     // A decoder drops what comes before the first keyframe, so those packets are no frames.
     auto start =
         std::find_if(packets.begin(), packets.end(), [](const Packet& p) { return p.keyframe; });
     if (start == packets.end()) {
         start = packets.begin(); // no keyframe flags at all: decode from the start
     }
-
-    std::vector<std::int64_t> keyStamps;
-    std::vector<std::int64_t> durations;
-    std::int64_t previous = AV_NOPTS_VALUE;
-    std::int64_t previousDuration = 1;
+    std::vector<std::int64_t> known;
     for (auto it = start; it != packets.end(); ++it) {
-        std::int64_t stampValue = framesCarryStamps_ ? it->pts : it->dts;
-        if (stampValue == AV_NOPTS_VALUE) {
-            stampValue = previous == AV_NOPTS_VALUE
-                             ? 0
-                             : previous + std::max<std::int64_t>(1, previousDuration);
+        known.push_back(it->pts != AV_NOPTS_VALUE ? it->pts : it->dts);
+    }
+    std::sort(known.begin(), known.end());
+    frameDuration_ = typicalDuration(known, timeBase, fallbackFrameRate);
+
+    framesCarryStamps_ = indexByStamps(start, packets.end());
+    if (!framesCarryStamps_) {
+        outputDelay_ = std::max(0, outputDelay);
+        indexByCounting(start, packets.end());
+    }
+    finishKeyframes();
+}
+
+bool FrameIndex::indexByStamps(Iterator start, Iterator end) {
+    if (std::any_of(start, end, [](const Packet& p) { return p.pts == AV_NOPTS_VALUE; })) {
+        return false;
+    }
+    std::vector<std::int64_t> stamps;
+    endStamp_ = 0;
+    for (auto it = start; it != end; ++it) {
+        if (!it->discard) {
+            stamps.push_back(it->pts);
+            endStamp_ =
+                std::max(endStamp_, it->pts + (it->duration > 0 ? it->duration : frameDuration_));
         }
-        stamps_.push_back(stampValue);
-        durations.push_back(it->duration);
+    }
+    std::sort(stamps.begin(), stamps.end());
+    if (stamps.empty()) {
+        return false;
+    }
+    endStamp_ = std::max(endStamp_, stamps.back() + frameDuration_);
+    stamps_ = std::move(stamps);
+    for (auto it = start; it != end; ++it) {
         if (it->keyframe || it == start) {
-            keyStamps.push_back(stampValue);
+            // A keyframe an edit list leaves out still starts the decoding of the frames after it.
+            const auto frame = std::lower_bound(stamps_.begin(), stamps_.end(), it->pts);
+            if (frame != stamps_.end()) {
+                keyframes_.push_back(frame - stamps_.begin());
+            }
         }
-        previous = stampValue;
-        previousDuration = it->duration;
     }
+    return true;
+}
 
-    std::vector<std::int64_t> sorted = stamps_;
-    std::sort(sorted.begin(), sorted.end());
-    const std::int64_t fallback = typicalDuration(sorted, timeBase, fallbackFrameRate);
-    endStamp_ = sorted.empty() ? 0 : sorted.back() + fallback;
-    for (size_t i = 0; i < stamps_.size(); ++i) {
-        endStamp_ = std::max(endStamp_, stamps_[i] + (durations[i] > 0 ? durations[i] : fallback));
+void FrameIndex::indexByCounting(Iterator start, Iterator end) {
+    // Decoders that hold pictures back stamp each with the packet that pushed it out, so the
+    // picture n decode places later carries the time of picture n.
+    std::int64_t previous = AV_NOPTS_VALUE;
+    for (auto it = start; it != end; ++it) {
+        std::int64_t dts = it->dts;
+        if (dts == AV_NOPTS_VALUE || (previous != AV_NOPTS_VALUE && dts <= previous)) {
+            dts = previous == AV_NOPTS_VALUE ? 0 : previous + frameDuration_;
+        }
+        const std::int64_t position = static_cast<std::int64_t>(decodeStamps_.size());
+        decodeStamps_.push_back(dts);
+        if (it->keyframe || it == start) {
+            keyframes_.push_back(position);
+        }
+        previous = dts;
     }
-    stamps_ = std::move(sorted);
+    const auto frames = static_cast<std::int64_t>(decodeStamps_.size());
+    for (std::int64_t frame = 0; frame < frames; ++frame) {
+        const std::int64_t source = frame + outputDelay_;
+        stamps_.push_back(source < frames
+                              ? decodeStamps_[static_cast<size_t>(source)]
+                              : decodeStamps_.back() + (source - frames + 1) * frameDuration_);
+    }
+    endStamp_ = stamps_.empty() ? 0 : stamps_.back() + frameDuration_;
+}
 
-    for (const std::int64_t key : keyStamps) {
-        keyframes_.push_back(std::lower_bound(stamps_.begin(), stamps_.end(), key) -
-                             stamps_.begin());
-    }
+void FrameIndex::finishKeyframes() {
     std::sort(keyframes_.begin(), keyframes_.end());
     keyframes_.erase(std::unique(keyframes_.begin(), keyframes_.end()), keyframes_.end());
     if (!stamps_.empty() && (keyframes_.empty() || keyframes_.front() != 0)) {
@@ -115,6 +152,11 @@ std::int64_t FrameIndex::frameAt(double ms) const {
 std::int64_t FrameIndex::frameOfStamp(std::int64_t stampValue) const {
     const auto it = std::lower_bound(stamps_.begin(), stamps_.end(), stampValue);
     return it != stamps_.end() && *it == stampValue ? it - stamps_.begin() : -1;
+}
+
+std::int64_t FrameIndex::decodePosition(std::int64_t dts) const {
+    const auto it = std::lower_bound(decodeStamps_.begin(), decodeStamps_.end(), dts);
+    return it != decodeStamps_.end() && *it == dts ? it - decodeStamps_.begin() : -1;
 }
 
 double FrameIndex::durationMs() const {

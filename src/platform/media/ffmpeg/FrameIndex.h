@@ -10,10 +10,14 @@ extern "C" {
 
 namespace ravelcue::media::ffmpeg {
 
-// Every frame of a video stream in presentation order, with its timestamp, built once by
-// demuxing the whole file. Frame n here is the n-th frame a decoder puts out when it reads the
-// file from the start, so positions never rest on an assumed frame rate. Immutable once built;
-// safe to share between threads.
+// Every frame of a video stream in presentation order, with its timestamp, built once from the
+// packets of the whole file. Frame n here is the n-th picture a decoder puts out when it reads
+// the file from the start, so positions never rest on an assumed frame rate. Immutable once
+// built; safe to share between threads.
+//
+// Where every packet carries a presentation stamp, frames are known by their stamps. Where some
+// do not (AVI stores decode order only; its demuxer guesses stamps for some packets), frames are
+// counted in decode order from a keyframe, and no stamp of the file is trusted to name one.
 class FrameIndex {
 public:
     struct Packet {
@@ -21,19 +25,24 @@ public:
         std::int64_t dts = 0;
         std::int64_t duration = 0;
         bool keyframe = false;
+        // Decoded only to reach later frames: an edit list starts the film after it.
+        bool discard = false;
     };
 
     FrameIndex() = default;
     // packets: the video packets in file (decode) order; missing timestamps are AV_NOPTS_VALUE.
-    // fallbackFrameRate stands in where the file gives no frame durations.
+    // fallbackFrameRate stands in where the file gives no frame durations. outputDelay: for
+    // decoders that hold each picture back until later packets come and stamp it with the one
+    // that pushed it out, how many packets that is; 0 otherwise.
     FrameIndex(const std::vector<Packet>& packets, AVRational timeBase,
-               AVRational fallbackFrameRate);
+               AVRational fallbackFrameRate, int outputDelay = 0);
 
     std::int64_t count() const { return static_cast<std::int64_t>(stamps_.size()); }
     bool empty() const { return stamps_.empty(); }
     // Whether the stamps are presentation timestamps that decoded frames carry; when false
-    // (AVI, which stores only decode order), decoded frames are numbered by counting.
+    // decoded frames are numbered by counting.
     bool framesCarryStamps() const { return framesCarryStamps_; }
+    int outputDelay() const { return outputDelay_; }
 
     std::int64_t clampFrame(std::int64_t frame) const;
     std::int64_t stamp(std::int64_t frame) const {
@@ -45,6 +54,8 @@ public:
     std::int64_t frameAt(double ms) const;
     // The frame with exactly this stamp, or -1.
     std::int64_t frameOfStamp(std::int64_t stamp) const;
+    // For counted frames: the place in decode order of the packet with this decode stamp, or -1.
+    std::int64_t decodePosition(std::int64_t dts) const;
     double durationMs() const;
     // The keyframe from which decoding reaches the frame: the last keyframe at or before it.
     std::int64_t keyframeAtOrBefore(std::int64_t frame) const;
@@ -55,11 +66,19 @@ public:
     AVRational timeBase() const { return timeBase_; }
 
 private:
-    std::vector<std::int64_t> stamps_;    // presentation order, ascending
-    std::vector<std::int64_t> keyframes_; // frame numbers, ascending
+    using Iterator = std::vector<Packet>::const_iterator;
+    bool indexByStamps(Iterator start, Iterator end);
+    void indexByCounting(Iterator start, Iterator end);
+    void finishKeyframes();
+
+    std::vector<std::int64_t> stamps_;       // presentation order, ascending
+    std::vector<std::int64_t> keyframes_;    // frame numbers, ascending
+    std::vector<std::int64_t> decodeStamps_; // counted frames: dts in decode order, ascending
     std::int64_t endStamp_ = 0;
+    std::int64_t frameDuration_ = 1;
     AVRational timeBase_{1, 1000};
     bool framesCarryStamps_ = true;
+    int outputDelay_ = 0;
 };
 
 } // namespace ravelcue::media::ffmpeg

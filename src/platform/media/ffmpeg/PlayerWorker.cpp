@@ -54,6 +54,8 @@ PlayerWorker::~PlayerWorker() {
 void PlayerWorker::seek(std::int64_t frame) {
     {
         std::lock_guard lock(mutex_);
+        ++commands_;
+        idle_ = false;
         command_.seekFrame = index_->clampFrame(frame);
         command_.seekRequestedAt = clock_->now();
         ++command_.seekRequest;
@@ -65,6 +67,8 @@ void PlayerWorker::seek(std::int64_t frame) {
 void PlayerWorker::play() {
     {
         std::lock_guard lock(mutex_);
+        ++commands_;
+        idle_ = false;
         if (!command_.playing) {
             command_.playRequestedAt = clock_->now();
         }
@@ -76,6 +80,8 @@ void PlayerWorker::play() {
 void PlayerWorker::stop() {
     {
         std::lock_guard lock(mutex_);
+        ++commands_;
+        idle_ = false;
         if (!command_.playing) {
             return;
         }
@@ -89,6 +95,8 @@ void PlayerWorker::stop() {
 void PlayerWorker::setRate(double rate) {
     {
         std::lock_guard lock(mutex_);
+        ++commands_;
+        idle_ = false;
         command_.rate = rate;
         command_.rateChangedAt = clock_->now();
     }
@@ -108,6 +116,11 @@ std::int64_t PlayerWorker::position() const {
                       [this] { return stopServed_ == command_.stopRequest || command_.quit; });
     return seekServed_ != command_.seekRequest ? command_.seekFrame
                                                : std::max<std::int64_t>(0, onShow_);
+}
+
+bool PlayerWorker::waitIdle(std::chrono::milliseconds timeout) const {
+    std::unique_lock lock(mutex_);
+    return settled_.wait_for(lock, timeout, [this] { return idle_; });
 }
 
 bool PlayerWorker::waitSettled(std::chrono::milliseconds timeout) const {
@@ -134,11 +147,14 @@ void PlayerWorker::run() {
         } else {
             pacing_ = false;
             lock.unlock();
-            const bool fetched = prefetchOne();
+            const bool fetched = prefetchOne() || prefetchBackwards();
             lock.lock();
             if (!fetched && seekServed_ == command_.seekRequest &&
                 stopServed_ == command_.stopRequest && !command_.playing && !command_.quit) {
+                idle_ = true;
+                settled_.notify_all();
                 wake_.wait(lock);
+                idle_ = false;
             }
         }
     }
@@ -165,6 +181,7 @@ void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
         }
     }
     seekServed_ = request;
+    backwardsTriedFor_ = -1; // frames evicted since may be wanted again
     prefetchNotBefore_ = std::chrono::steady_clock::now() + kPrefetchDelay;
     settled_.notify_all();
 }
@@ -294,6 +311,59 @@ bool PlayerWorker::prefetchOne() {
     return false;
 }
 
+bool PlayerWorker::prefetchBackwards() {
+    // Starts when a frame within half the budget behind is missing, then fills all the budget
+    // leaves behind the frames ahead, so that a long group of pictures is decoded again once
+    // for each stretch of steps, not for each step.
+    const std::int64_t reach = cache_.capacity() / 2;
+    std::int64_t missing = onShow_ - 1;
+    const std::int64_t lowest = std::max<std::int64_t>(0, onShow_ - reach);
+    while (missing >= lowest && cache_.contains(missing)) {
+        --missing;
+    }
+    if (onShow_ <= 0 || missing < lowest || missing == backwardsTriedFor_) {
+        return false;
+    }
+    backwardsTriedFor_ = missing; // a file that cannot give this frame is not asked again
+    const std::int64_t keyframe = index_->keyframeAtOrBefore(missing);
+    const std::int64_t keepFrom =
+        std::max(keyframe, onShow_ - cache_.capacity() + kPrefetchFrames + 1);
+    source_->skipUnreferencedBefore(keepFrom);
+    source_->seekToKeyframe(keyframe);
+    std::uint64_t seen = commands_;
+    while (const auto decoded = source_->next()) {
+        if (seen != commands_) {
+            seen = commands_;
+            if (!serveFromCacheMeanwhile()) {
+                backwardsTriedFor_ = -1;
+                break;
+            }
+        }
+        if (decoded->number > missing) {
+            break;
+        }
+        if (decoded->number >= keepFrom) {
+            cache_.put(decoded->number, decoded->frame, onShow_);
+        }
+    }
+    source_->skipUnreferencedBefore(-1);
+    return true;
+}
+
+bool PlayerWorker::serveFromCacheMeanwhile() {
+    std::unique_lock lock(mutex_);
+    if (command_.quit || command_.playing || stopServed_ != command_.stopRequest) {
+        return false;
+    }
+    if (seekServed_ != command_.seekRequest) {
+        if (!cache_.contains(command_.seekFrame)) {
+            return false;
+        }
+        serveSeek(lock);
+    }
+    return true;
+}
+
 bool PlayerWorker::superseded() const {
     return quitting_ || latestRequest_ != requestInHand_;
 }
@@ -330,6 +400,7 @@ std::optional<DecodedFrame> PlayerWorker::decodeTo(std::int64_t target) {
     if (straightOn) {
         decoded = source_->next();
     } else {
+        ++keyframeSeeks_;
         for (;;) {
             source_->seekToKeyframe(keyframe);
             decoded = source_->next();

@@ -54,6 +54,10 @@ public:
     std::int64_t position() const;
     // Waits until the last seek or stop is on show; false on timeout.
     bool waitSettled(std::chrono::milliseconds timeout) const;
+    // Waits until the player stands still with nothing left to decode ahead; false on timeout.
+    bool waitIdle(std::chrono::milliseconds timeout) const;
+    // How often a frame to be shown had to be decoded from a keyframe; thread-safe.
+    std::uint64_t keyframeSeeks() const { return keyframeSeeks_; }
 
 private:
     struct Command {
@@ -79,6 +83,13 @@ private:
     void followRateChange();
     void reachEnd(std::unique_lock<std::mutex>& lock);
     bool prefetchOne();
+    // Decodes the frames a few steps back that the cache lacks (the end of the group of pictures
+    // before), so that stepping back across a keyframe finds them. Seeks the cache can serve are
+    // served on the way; anything else ends it. False when there was nothing to do.
+    bool prefetchBackwards();
+    // During prefetchBackwards: serves a pending seek from the cache; false when a command waits
+    // that needs the decoder (or a close).
+    bool serveFromCacheMeanwhile();
     // Brings the frame into view from the cache or the decoder; returns the number shown.
     std::int64_t show(std::int64_t target);
     std::optional<DecodedFrame> obtain(std::int64_t target);
@@ -106,7 +117,12 @@ private:
     // Read while decoding without taking the lock.
     std::atomic<std::uint64_t> latestRequest_{0};
     std::atomic<bool> quitting_{false};
-    std::uint64_t requestInHand_ = 0; // worker thread only
+    // Counts every command from the UI thread, so that long work can tell one came.
+    std::atomic<std::uint64_t> commands_{0};
+    std::atomic<std::uint64_t> keyframeSeeks_{0};
+    bool idle_ = false;
+    std::int64_t backwardsTriedFor_ = -1; // worker thread only
+    std::uint64_t requestInHand_ = 0;     // worker thread only
 
     // Playback pacing; worker thread only.
     bool pacing_ = false;

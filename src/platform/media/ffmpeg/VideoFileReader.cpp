@@ -4,6 +4,7 @@ extern "C" {
 #include <libavutil/display.h>
 }
 
+#include <algorithm>
 #include <cmath>
 
 #include <QFileInfo>
@@ -27,6 +28,20 @@ int rotationOf(const AVStream& stream) {
     degrees -= 360.0 * std::floor(degrees / 360.0 + 0.9 / 360.0);
     const int quarter = static_cast<int>(std::lround(degrees / 90.0)) % 4;
     return quarter * 90;
+}
+
+// The decoders of the MPEG-1, MPEG-2 and MPEG-4 Visual family hold each picture back until the
+// next reference picture comes, and stamp it with the decode stamp of the packet that pushed it
+// out; this many packets later.
+int pushedOutDelay(const AVCodecParameters& parameters) {
+    switch (parameters.codec_id) {
+    case AV_CODEC_ID_MPEG1VIDEO:
+    case AV_CODEC_ID_MPEG2VIDEO:
+    case AV_CODEC_ID_MPEG4:
+        return parameters.video_delay;
+    default:
+        return 0;
+    }
 }
 
 bool isImageFormat(const AVInputFormat& format) {
@@ -97,9 +112,10 @@ MediaError VideoFileReader::buildIndex() {
     std::vector<FrameIndex::Packet> packets;
     int result = 0;
     while ((result = av_read_frame(input_.get(), packet_.get())) >= 0) {
-        if (packet_->stream_index == stream_->index && !(packet_->flags & AV_PKT_FLAG_DISCARD)) {
+        if (packet_->stream_index == stream_->index) {
             packets.push_back({packet_->pts, packet_->dts, packet_->duration,
-                               (packet_->flags & AV_PKT_FLAG_KEY) != 0});
+                               (packet_->flags & AV_PKT_FLAG_KEY) != 0,
+                               (packet_->flags & AV_PKT_FLAG_DISCARD) != 0});
         }
         av_packet_unref(packet_.get());
     }
@@ -114,7 +130,8 @@ MediaError VideoFileReader::buildIndex() {
     if (rate.num <= 0 || rate.den <= 0) {
         rate = stream_->r_frame_rate;
     }
-    index_ = std::make_shared<const FrameIndex>(packets, stream_->time_base, rate);
+    index_ = std::make_shared<const FrameIndex>(packets, stream_->time_base, rate,
+                                                pushedOutDelay(*stream_->codecpar));
     return MediaError::none();
 }
 
@@ -191,7 +208,7 @@ bool VideoFileReader::feedDecoder() {
             // Without presentation stamps frames are counted; the count starts at the keyframe
             // the demuxer actually landed on.
             rebaseOnNextPacket_ = false;
-            const std::int64_t landed = index_->frameOfStamp(packet_->dts);
+            const std::int64_t landed = index_->decodePosition(packet_->dts);
             if (landed >= 0) {
                 lastNumber_ = landed - 1;
             }
@@ -213,6 +230,14 @@ std::int64_t VideoFileReader::numberFor(const AVFrame& frame) {
         if (number >= 0) {
             lastNumber_ = number;
             return number;
+        }
+    }
+    if (!index_->framesCarryStamps() && index_->outputDelay() > 0 &&
+        frame.pkt_dts != AV_NOPTS_VALUE) {
+        const std::int64_t pushedBy = index_->decodePosition(frame.pkt_dts);
+        if (pushedBy >= index_->outputDelay()) {
+            lastNumber_ = std::max(lastNumber_ + 1, pushedBy - index_->outputDelay());
+            return lastNumber_;
         }
     }
     return ++lastNumber_;
