@@ -52,8 +52,9 @@ float circularMeanHue(const std::array<float, kSampleCount>& hues) {
     return mean;
 }
 
+// Both limits tested without a branch between them.
 bool within(float value, float centre, float range) {
-    return value >= centre - range && value <= centre + range;
+    return (value >= centre - range) & (value <= centre + range);
 }
 
 template <typename Columns>
@@ -62,10 +63,18 @@ std::optional<TargetPoint> scan(const LiveFrameView& frame, const TargetColour& 
     if (!frame.hasPicture()) {
         return std::nullopt;
     }
+    // A pixel the colour of the one before it has the same answer: walls, shirts and
+    // gradients come in runs, and the conversion is the cost of a scan.
+    Rgb last{-1, -1, -1};
     for (int y = fromY; y <= kRegionBottom; ++y) {
         std::optional<TargetPoint> found;
         columns([&](int x) {
-            if (Matches(target, frame.pixel(x, y))) {
+            const Rgb colour = frame.pixel(x, y);
+            if (colour.r == last.r && colour.g == last.g && colour.b == last.b) {
+                return false; // the one before did not match, or the scan would have stopped
+            }
+            last = colour;
+            if (Matches(target, colour)) {
                 found = TargetPoint{x, y};
                 return true;
             }
@@ -129,15 +138,23 @@ std::optional<TargetColour> CalibrationSample(const LiveFrameView& frame) {
 }
 
 bool Matches(const TargetColour& target, Rgb colour) {
-    float h = 0.0f;
-    float s = 0.0f;
-    float l = 0.0f;
-    RGBToHSL(colour.r, colour.g, colour.b, h, s, l);
+    // RGBToHSL step by step, stopping at the first figure out of reach: most pixels of a
+    // picture fail on their hue, before the saturation's division.
+    const float r = hsl::unit(colour.r);
+    const float g = hsl::unit(colour.g);
+    const float b = hsl::unit(colour.b);
+    const float max = Max3(r, g, b);
+    const float min = Min3(r, g, b);
+    const bool grey = max == min;
+    const float h = grey ? 0.0f : hsl::hue(r, g, b, max, min);
     // Around the circle: a hue near 0 may match a target near 360 and the other way round.
-    const bool hue = within(h, target.Hthresh, kHueRange) ||
-                     within(h, target.Hthresh - 360.0f, kHueRange) ||
-                     within(h, target.Hthresh + 360.0f, kHueRange);
-    return hue && within(s, target.Sthresh, kSaturationRange) &&
+    if (!within(h, target.Hthresh, kHueRange) && !within(h, target.Hthresh - 360.0f, kHueRange) &&
+        !within(h, target.Hthresh + 360.0f, kHueRange)) {
+        return false;
+    }
+    const float l = hsl::lightness(max, min);
+    const float s = grey ? 0.0f : hsl::saturation(max, min, l);
+    return within(s, target.Sthresh, kSaturationRange) &&
            within(l, target.Lthresh, kLightnessRange);
 }
 
