@@ -10,6 +10,7 @@
 #include "platform/media/VideoView.h"
 #include "platform/media/demo/DemoScene.h"
 #include "platform/media/demo/DemoStamp.h"
+#include "platform/media/ffmpeg/FfmpegEngine.h"
 #include "support/SoundServer.h"
 #include "training/Calibration.h"
 #include "training/ColourBox.h"
@@ -317,6 +318,51 @@ TEST_F(StrokeTraining, TheVoiceIsHeard) {
         after += std::abs(sample) > 1000 ? 1 : 0;
     }
     EXPECT_EQ(after, 0);
+}
+
+// On an engine of the test's own, so that the camera can be pulled out.
+class StrokeTrainingUnplugged : public ::testing::Test {
+protected:
+    StrokeTrainingUnplugged() {
+        fixture.answeredUpdateQuestion();
+        fixture.enableDemoDevices();
+        for (int i = 1; i < 4; ++i) {
+            fixture.store.writeText(cameraSettingName("CamEnable-", i), "0");
+        }
+        fixture.start();
+        fixture.click("cmdTraining");
+    }
+
+    ToneBus tones;
+    media::ffmpeg::FfmpegEngine engine{tones};
+    WindowFixture fixture{&engine};
+};
+
+TEST_F(StrokeTrainingUnplugged, ACameraLostDuringARunEndsItWithAMessage) {
+    media::CaptureInstance& cam = fixture.window().media().cam(0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !cam.FrameBytes().isEmpty(); }, 10000));
+    fixture.click("cmdCalibrate");
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return fixture.find<QPushButton>("cmdCalibrate")->text() == "Start Calibration"; },
+        20000));
+    fixture.click("cmdStartTraining");
+    auto* dialog = fixture.window().findChild<training::TrainParmsDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    QTest::mouseClick(dialog->findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
+    auto* tmrTraining = fixture.window().findChild<QTimer*>("tmrTraining");
+    tmrTraining->stop();
+    fixture.prompts.clear();
+
+    engine.setDemoCameraPresent(1, false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !cam.Connected(); }, 10000));
+    fixture.tick("tmrTraining");
+    ASSERT_EQ(fixture.prompts.texts().size(), 1);
+    EXPECT_TRUE(fixture.prompts.texts().first().startsWith("Camera 1 ("));
+    EXPECT_TRUE(fixture.prompts.texts().first().endsWith("Stroke training has stopped."));
+    EXPECT_EQ(fixture.find<QPushButton>("cmdStartTraining")->text(), "Start Training");
+    EXPECT_FALSE(tmrTraining->isActive());
+    EXPECT_FALSE(fixture.window().findChild<QTimer*>("tmrBlink3")->isActive());
+    EXPECT_EQ(fixture.window().state().CurrentState, "StopTraining");
 }
 
 } // namespace
