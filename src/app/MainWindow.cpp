@@ -7,6 +7,7 @@
 #include "capture/LiveView.h"
 #include "core/Rounding.h"
 #include "core/Version.h"
+#include "markups/CameraMarkers.h"
 #include "markups/MarkerStore.h"
 #include "platform/media/MediaEngine.h"
 #include "platform/media/VideoView.h"
@@ -17,6 +18,7 @@
 #include "platform/ui/StatusPopup.h"
 #include "playback/PlayerPanes.h"
 #include "playback/RunEditToolFrame.h"
+#include "training/StrokeTraining.h"
 #include "training/TrainingToolFrame.h"
 #include "utilities/UtilityCommands.h"
 
@@ -76,6 +78,9 @@ void MainWindow::buildPanes() {
         context_, *captureFrame_, *liveView_,
         [this](int frequency, int milliseconds) { sound_->PlayBeep(frequency, milliseconds); });
     trainingFrame_ = new training::TrainingToolFrame(context_, client_);
+    cameraMarkers_ = std::make_unique<markups::CameraMarkers>(settings_, media_);
+    training_ = new training::StrokeTraining(context_, *trainingFrame_, *cameraMarkers_, *sound_,
+                                             services_.paths.programFolder);
     runEdit_ = new playback::RunEditToolFrame(context_, client_);
     buildPlayback();
 }
@@ -126,6 +131,10 @@ void MainWindow::setControlEnabled(std::string_view name, bool enabled) {
 }
 
 void MainWindow::setControlVisible(std::string_view name, bool visible) {
+    if (!visible && name == "fmTrainingTB") {
+        // Every way out of the training pane goes through here; a run must not outlive it.
+        training_->paneLeft();
+    }
     QObject* object = control(qtext(name));
     if (auto* action = qobject_cast<QAction*>(object)) {
         action->setVisible(visible);
@@ -223,10 +232,7 @@ void MainWindow::cmdShowLive_Click() {
     State("Live");
     closePlayer(state_.SelectedPlayer);
     runEdit_->tmrSlider()->stop();
-    trainingFrame_->tmrCalibrate()->stop();
-    trainingFrame_->cmdCalibrate()->setEnabled(true);
-    trainingFrame_->cmdCalibrate()->setText(QStringLiteral("Start Calibration"));
-    liveView_->clearCamOverlay(state_.SelectedCam);
+    cameraMarkers_->clearCamOverlay(state_.SelectedCam);
     status_->setActivity(QStringLiteral("Live Video"));
 }
 

@@ -44,16 +44,18 @@ namespace sound {
 class SoundOutput;
 }
 namespace training {
+class StrokeTraining;
 class TrainingToolFrame;
-}
+} // namespace training
 namespace playback {
 class PlaybackController;
 class PlayerPanes;
 class RunEditToolFrame;
 } // namespace playback
 namespace markups {
+class CameraMarkers;
 class MarkerStore;
-}
+} // namespace markups
 namespace utilities {
 class UtilityCommands;
 }
@@ -187,6 +189,8 @@ private:
     capture::FileSetCapture* fileSetCapture_ = nullptr;
     breakspeed::BreakSpeedPane* breakSpeedPane_ = nullptr;
     training::TrainingToolFrame* trainingFrame_ = nullptr;
+    std::unique_ptr<markups::CameraMarkers> cameraMarkers_;
+    training::StrokeTraining* training_ = nullptr;
     playback::PlayerPanes* playerPanes_ = nullptr;
     playback::RunEditToolFrame* runEdit_ = nullptr;
     std::unique_ptr<markups::MarkerStore> markers_;

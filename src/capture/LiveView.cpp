@@ -17,9 +17,6 @@
 namespace ravelcue::capture {
 
 namespace {
-constexpr int kOverlayWidth = 640;
-constexpr int kOverlayHeight = 480;
-
 QRect toRect(const PaneRect& r) {
     return {r.left, r.top, r.width, r.height};
 }
@@ -49,10 +46,6 @@ LiveView::LiveView(ui::WindowContext& context, QWidget* client)
                         emit popupRequested(QCursor::pos());
                     }
                 });
-
-        QImage& overlay = overlays_[static_cast<size_t>(i)];
-        overlay = QImage(kOverlayWidth, kOverlayHeight, QImage::Format_RGB32);
-        overlay.fill(Qt::black);
     }
 }
 
@@ -118,15 +111,6 @@ void LiveView::PictureDoubleClick(int camera) {
     } else if (context_.state.CameraView == "QuadCamera") {
         emit cameraOptionRequested(camera);
     }
-}
-
-void LiveView::pushCamOverlay(int camera) {
-    context_.media.cam(camera).SetBitmapOverlay(camOverlay(camera));
-}
-
-void LiveView::clearCamOverlay(int camera) {
-    camOverlay(camera).fill(Qt::black);
-    pushCamOverlay(camera);
 }
 
 void LiveView::applyGeometry() {

@@ -3,7 +3,6 @@
 #include <array>
 #include <string_view>
 
-#include <QImage>
 #include <QObject>
 #include <QPoint>
 
@@ -36,13 +35,6 @@ public:
     // A double click on a camera's picture toggles between one camera and all four.
     void PictureDoubleClick(int camera);
 
-    // The shape layer over a camera's picture (calibration and training marks), 640x480.
-    QImage& camOverlay(int camera) { return overlays_.at(static_cast<size_t>(camera)); }
-    // Hands a camera's overlay to its instance.
-    void pushCamOverlay(int camera);
-    // Wipes a camera's overlay and hands it over.
-    void clearCamOverlay(int camera);
-
     // Asks the window to set optCamSelect(index), as a click would.
     void requestCameraOption(int index) { emit cameraOptionRequested(index); }
 
@@ -57,7 +49,6 @@ signals:
 private:
     ui::WindowContext& context_;
     std::array<QFrame*, 4> panes_{};
-    std::array<QImage, 4> overlays_;
 };
 
 } // namespace ravelcue::capture

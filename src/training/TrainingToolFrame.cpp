@@ -1,5 +1,6 @@
 #include "TrainingToolFrame.h"
 
+#include "ColourBox.h"
 #include "core/PaneLayout.h"
 #include "platform/ui/Controls.h"
 #include "platform/ui/WindowContext.h"
@@ -26,11 +27,9 @@ TrainingToolFrame::TrainingToolFrame(ui::WindowContext& context, QWidget* client
                        QStringLiteral("Start Calibrate Target Color"), QRect(8, 18, 130, 48));
     ui::makeLabel(frame_, QStringLiteral("Label4"), QStringLiteral("Calibrated Color"),
                   QRect(146, 6, 110, 18));
-    QFrame* swatch =
-        ui::makeFrame(frame_, QStringLiteral("picTargetColor"), QRect(160, 28, 70, 36));
-    swatch->setFrameStyle(QFrame::Box | QFrame::Plain);
-    swatch->setToolTip(QStringLiteral("Target Color"));
-    swatch->setAutoFillBackground(true);
+    picTargetColor_ =
+        new ColourBox(frame_, QStringLiteral("picTargetColor"), QStringLiteral("Target Color"));
+    picTargetColor_->setGeometry(160, 28, 70, 36);
 
     lblAlarm_ =
         ui::makeLabel(frame_, QStringLiteral("lblAlarm"), QString(), QRect(262, 18, 240, 48));
@@ -40,18 +39,19 @@ TrainingToolFrame::TrainingToolFrame(ui::WindowContext& context, QWidget* client
     lblAlarm_->setFont(alarmFont);
     lblAlarm_->setAlignment(Qt::AlignCenter);
 
-    ui::makeButton(frame_, QStringLiteral("cmdStartTraining"), QStringLiteral("Start Training"),
-                   QStringLiteral("Start/Stop Stroke Training"), QRect(512, 18, 130, 48));
+    cmdStartTraining_ =
+        ui::makeButton(frame_, QStringLiteral("cmdStartTraining"), QStringLiteral("Start Training"),
+                       QStringLiteral("Start/Stop Stroke Training"), QRect(512, 18, 130, 48));
     ui::makeLabel(frame_, QStringLiteral("Label7"), QStringLiteral("Alarm Type"),
                   QRect(654, 6, 120, 18));
     cboAlarmType_ =
         ui::makeDropDownList(frame_, QStringLiteral("cboAlarmType"),
                              QStringLiteral("Selects alarm type"), QRect(654, 28, 130, 28));
 
-    ui::makeTimer(client, QStringLiteral("tmrTraining"), 600, context_.clock);
-    ui::makeTimer(client, QStringLiteral("tmrBlink3"), 500, context_.clock);
+    tmrTraining_ = ui::makeTimer(client, QStringLiteral("tmrTraining"), 600, context_.clock);
+    tmrBlink3_ = ui::makeTimer(client, QStringLiteral("tmrBlink3"), 500, context_.clock);
     tmrCalibrate_ = ui::makeTimer(client, QStringLiteral("tmrCalibrate"), 250, context_.clock);
-    ui::makeTimer(client, QStringLiteral("tmrCountDown"), 1000, context_.clock);
+    tmrCountDown_ = ui::makeTimer(client, QStringLiteral("tmrCountDown"), 1000, context_.clock);
 }
 
 } // namespace ravelcue::training
