@@ -66,6 +66,8 @@ MarkupsController::MarkupsController(ui::WindowContext& context, MarkerStore& ma
     QAction* erase = controls_.toolbar2.at(QStringLiteral("Erase"));
     connect(erase, &QAction::triggered, this,
             [this] { Toolbar2_ButtonClick(QStringLiteral("Erase")); });
+    // Whether there is a last mark is asked when the list opens: loading and selecting change it.
+    connect(erase->menu(), &QMenu::aboutToShow, this, &MarkupsController::updateEraseLast);
     for (QAction* entry : erase->menu()->actions()) {
         eraseLast_ = entry;
         connect(entry, &QAction::triggered, this,
@@ -75,7 +77,9 @@ MarkupsController::MarkupsController(ui::WindowContext& context, MarkerStore& ma
         connect(entry, &QAction::triggered, this,
                 [this, entry] { Toolbar2_ButtonMenuClick(entry->data().toString()); });
     }
-    auto* undo = new QShortcut(QKeySequence::Undo, controls_.window);
+    // Heard while Toolbar2 shows, that is while a video or image is open.
+    QWidget* toolbar = erase->menu()->parentWidget();
+    auto* undo = new QShortcut(QKeySequence::Undo, toolbar != nullptr ? toolbar : controls_.window);
     undo->setObjectName(QStringLiteral("EraseLastShortcut"));
     undo->setContext(Qt::WindowShortcut);
     connect(undo, &QShortcut::activated, this, &MarkupsController::eraseLast);
