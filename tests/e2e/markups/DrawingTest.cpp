@@ -228,6 +228,7 @@ TEST_F(HdClip, Screenshot) {
         GTEST_SKIP() << "RAVELCUE_SCREENSHOT names the picture to write";
     }
     w.fixture.window().move(0, 0);
+    w.fixture.window().settings().MarkerWidth = 4;
     colour("red");
     w.tool("Line");
     w.drag(0, {150, 900}, {900, 300});
@@ -235,7 +236,7 @@ TEST_F(HdClip, Screenshot) {
     w.drag(0, {1000, 150}, {1000, 950});
     colour("green");
     w.tool("Hline");
-    w.drag(0, {150, 1000}, {1800, 1000});
+    w.drag(0, {150, 760}, {900, 760});
     w.tool("Rectangle");
     w.drag(0, {1150, 200}, {1500, 450});
     colour("yellow");
@@ -250,10 +251,10 @@ TEST_F(HdClip, Screenshot) {
     w.release(0, {680, 200});
     colour("white");
     w.tool("Angle");
-    w.drag(0, {400, 700}, {800, 700});
-    w.moveTo(0, {650, 480});
-    w.press(0, {650, 480});
-    w.release(0, {650, 480});
+    w.drag(0, {950, 880}, {1250, 880});
+    w.moveTo(0, {1100, 680});
+    w.press(0, {1100, 680});
+    w.release(0, {1100, 680});
     w.tool("Text");
     auto* input = w.dialog("frmTextInput");
     input->findChild<QPlainTextEdit*>("txtNote")->setPlainText(QStringLiteral("Cue ball here"));
