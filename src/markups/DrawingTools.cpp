@@ -152,8 +152,14 @@ GestureResult DrawingTools::move(PlayerMarkups& markups, int player, int button,
     }
     case ShapeAngle:
         if (AngleSecondLeg) {
+            // The first leg stands still: only the second leg's old and new places change.
+            MarkerShape leg = current();
+            leg.points = {vertex_, marker1_};
+            QRect changed = leg.bounds();
             marker1_ = leg2_ = at;
-            markups.setPreview(current());
+            leg.points = {vertex_, marker1_};
+            changed |= leg.bounds();
+            markups.setPreview(current(), changed);
             return showReading(markups);
         }
         if ((button & 1) != 0) {
