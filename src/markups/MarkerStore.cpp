@@ -3,67 +3,57 @@
 #include "core/Rounding.h"
 #include "platform/media/MediaInstances.h"
 
-#include <QColor>
 #include <QString>
 
 namespace ravelcue::markups {
 
-namespace {
-
-// Until a picture is open the layer covers the player's first size.
-constexpr QSize kStartOverlaySize(800, 600);
-
-QImage blackLayer(QSize size) {
-    QImage layer(size.isValid() && !size.isEmpty() ? size : kStartOverlaySize,
-                 QImage::Format_RGB32);
-    layer.fill(Qt::black);
-    return layer;
-}
-
-} // namespace
-
 MarkerStore::MarkerStore(AppState& state, media::MediaInstances& media)
     : state_(state)
-    , media_(media) {
-    for (QImage& layer : playerOverlay_) {
-        layer = blackLayer(kStartOverlaySize);
-    }
-}
+    , media_(media) {}
 
-void MarkerStore::pushOverlay(int player) {
-    const QImage& layer = playerOverlay(player);
-    media_.play(player).SetBitmapOverlay(layer);
-    media_.recompress.at(static_cast<size_t>(player))->SetBitmapOverlay(layer);
+void MarkerStore::DrawMarker(int player) {
+    PlayerMarkups& mine = markups(player);
+    const PlayerMarkups::Changes changes = mine.takeChanges();
+    media::PlayerInstance& shown = media_.play(player);
+    if (!changes.layer.isEmpty()) {
+        shown.UpdateBitmapOverlay(mine.layer(), changes.layer);
+    }
+    media::RecompressInstance& recompress = *media_.recompress.at(static_cast<size_t>(player));
+    const QString font = QStringLiteral("Arial Bold");
+    for (const int slot : changes.textSlots) {
+        const TextSlot& text = mine.slot(slot);
+        int x = text.x;
+        int y = text.y;
+        if (text.text.isEmpty()) {
+            // An emptied slot keeps the place it stood at.
+            const auto& at = mine.TextPos[static_cast<size_t>(slot)];
+            x = roundToInt(at[0]);
+            y = roundToInt(at[1]);
+        }
+        const QColor colour = colourOf(text.text.isEmpty() ? kWhite : text.colour);
+        shown.SetTextOverlay(slot, text.text, x, y, font, 12, colour);
+        recompress.SetTextOverlay(slot, text.text, x, y, font, 12, colour);
+    }
 }
 
 void MarkerStore::fitOverlay(int player, QSize picture) {
-    playerOverlay(player) = blackLayer(picture);
-    pushOverlay(player);
+    markups(player).fit(picture);
+    zoom(player) = ZoomPan{};
+    media_.play(player).SetZoomRegion(0, 0, 0, 0);
+    DrawMarker(player);
+}
+
+void MarkerStore::handLayerToRecompress(int player) {
+    media_.recompress.at(static_cast<size_t>(player))->SetBitmapOverlay(markups(player).layer());
 }
 
 void MarkerStore::ClearMarkers() {
-    const QString font = QStringLiteral("Arial Bold");
-    const QColor white(255, 255, 255);
-    for (int i = 0; i < kCameraCount; ++i) {
-        const auto k = static_cast<size_t>(i);
-        if (state_.PlayerEnable[k]) {
-            const QSize picture(state_.VideoWidth[k], state_.VideoHeight[k]);
-            playerOverlay_[k] = blackLayer(picture.isEmpty() ? playerOverlay_[k].size() : picture);
-            media::RecompressInstance& recompress = *media_.recompress[k];
-            for (int slot = 0; slot < kTextSlots; ++slot) {
-                const auto& at = TextPos[k][static_cast<size_t>(slot)];
-                const int x = roundToInt(at[0]);
-                const int y = roundToInt(at[1]);
-                media_.play(i).SetTextOverlay(slot, QString(), x, y, font, 12, white);
-                recompress.SetTextOverlay(slot, QString(), x, y, font, 12, white);
-            }
-        }
-        TextCount[k] = 0;
-    }
-    // The picture repaints itself when its overlay changes, so no position nudge is needed.
     for (int i = 0; i < kCameraCount; ++i) {
         if (state_.PlayerEnable[static_cast<size_t>(i)]) {
-            pushOverlay(i);
+            markups(i).clear();
+            DrawMarker(i);
+        } else {
+            markups(i).TextCount = 0;
         }
     }
 }

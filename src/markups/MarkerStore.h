@@ -1,5 +1,8 @@
 #pragma once
 
+#include "DrawingTools.h"
+#include "PlayerMarkups.h"
+#include "ZoomPan.h"
 #include "core/AppState.h"
 
 #include <array>
@@ -13,50 +16,38 @@ struct MediaInstances;
 
 namespace ravelcue::markups {
 
-inline constexpr int kTextSlots = 40;
-
-// The shapes tool by number, as lngShape holds it.
-enum Shape : int {
-    ShapeLine = 0,
-    ShapeVline = 1,
-    ShapeHline = 2,
-    ShapeRectangle = 3,
-    ShapeEllipse = 4,
-    ShapeFreehand = 5,
-    ShapeAngle = 6,
-    ShapeText = 7,
-    ShapeNone = 99,
-};
-
-// What lies over each player's picture: the shape layer, a bitmap per player in which black lets
-// the picture through, and the numbered text slots the players and re-encoders hold. The program
-// keeps no list of shapes; they live only as pixels of the bitmap. UI thread only.
+// What lies over each player's picture: its markups (marks, grids, text slots and the shape
+// layer they render to), its zoom, and the drawing tools. It hands every change to the player on
+// show, text slots to the player's re-encoder as well, and the whole layer to the re-encoder when
+// a save begins. UI thread only.
 class MarkerStore {
 public:
     MarkerStore(AppState& state, media::MediaInstances& media);
 
+    PlayerMarkups& markups(int player) { return markups_.at(static_cast<size_t>(player)); }
     // The shape layer of a player: RGB32, as large as the picture it lies on.
-    QImage& playerOverlay(int player) { return playerOverlay_.at(static_cast<size_t>(player)); }
-    // Hands a player's shape layer to its player and its re-encoder.
-    void pushOverlay(int player);
-    // A fresh, empty shape layer at the size of a newly opened picture, handed over at once.
+    const QImage& playerOverlay(int player) { return markups(player).layer(); }
+    ZoomPan& zoom(int player) { return zoom_.at(static_cast<size_t>(player)); }
+    DrawingTools& tools() { return tools_; }
+
+    // Hands what changed in a player's markups since the last call to its player: the changed
+    // part of the shape layer, and the changed text slots (to the re-encoder too).
+    void DrawMarker(int player);
+    // A fresh, empty shape layer at the size of a newly opened picture, and no zoom.
     void fitOverlay(int player, QSize picture);
+    // The whole shape layer of a player to its re-encoder, as a save begins.
+    void handLayerToRecompress(int player);
 
-    // Wipes every marker of the enabled players: shape layers back to black, all text slots
-    // emptied on players and re-encoders. Every player's text count returns to 0.
+    // Wipes every marker and grid of the enabled players and empties all their text slots on
+    // players and re-encoders. Every player's text count returns to 0.
     void ClearMarkers();
-
-    // Next free text slot of each player.
-    std::array<int, kCameraCount> TextCount{};
-    // Where each text slot stands, in picture pixels times 15.
-    std::array<std::array<std::array<float, 2>, kTextSlots>, kCameraCount> TextPos{};
-    // The drawing tool in use.
-    int lngShape = ShapeLine;
 
 private:
     AppState& state_;
     media::MediaInstances& media_;
-    std::array<QImage, kCameraCount> playerOverlay_;
+    std::array<PlayerMarkups, kCameraCount> markups_;
+    std::array<ZoomPan, kCameraCount> zoom_{};
+    DrawingTools tools_;
 };
 
 } // namespace ravelcue::markups

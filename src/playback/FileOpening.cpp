@@ -139,7 +139,7 @@ void FileOpening::setMenuEntries(Opened opened) {
 }
 
 void FileOpening::resetTools() {
-    markers_.lngShape = markups::ShapeLine;
+    markers_.tools().chooseTool(markups::ShapeLine, nullptr);
     markers_.ClearMarkers();
     transport_.setPlayButton(false);
     frame_.button2(QStringLiteral("Line"))->setChecked(true);

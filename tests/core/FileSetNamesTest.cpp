@@ -85,6 +85,8 @@ TEST(FileSetNames, SavedCopiesGetAPlusBesideTheirSource) {
     EXPECT_EQ(savedVideoDestination("/v/Break(Cam1).avi"), "/v/Break(Cam1)+.avi");
     EXPECT_EQ(savedVideoDestination("/v/clip.wmv"), "/v/clip+.wmv");
     EXPECT_EQ(savedVideoDestination("/v/CLIP.AVI"), "/v/CLIP+.AVI") << "never the source itself";
+    EXPECT_EQ(savedVideoDestination("/v/Take.Mp4"), "/v/Take+.Mp4");
+    EXPECT_EQ(savedVideoDestination("/v/clip+.mkv"), "/v/clip++.mkv") << "a saved copy saved again";
     // Saved again after reopening: the member without the "+" is read.
     EXPECT_EQ(savedVideoSource("/v/Break(Cam1)+.avi", "Cam1"), "/v/Break(Cam1).avi");
 }

@@ -1,8 +1,10 @@
 #include "OverlayLayer.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include <QFont>
+#include <QFontMetrics>
 #include <QPainter>
 
 namespace ravelcue::media {
@@ -50,12 +52,47 @@ void OverlayLayer::setBitmap(const QImage& bitmap) {
     dirty_ = true;
 }
 
+void OverlayLayer::updateBitmap(const QImage& bitmap, const QRect& changed) {
+    if (bitmap_.size() != bitmap.size() || bitmap_.format() != QImage::Format_RGB32 ||
+        bitmap.format() != QImage::Format_RGB32) {
+        setBitmap(bitmap.convertToFormat(QImage::Format_RGB32).copy());
+        return;
+    }
+    const QRect area = changed & bitmap.rect();
+    if (area.isEmpty()) {
+        return;
+    }
+    const auto bytes = static_cast<size_t>(area.width()) * sizeof(QRgb);
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        std::memcpy(reinterpret_cast<QRgb*>(bitmap_.scanLine(y)) + area.left(),
+                    reinterpret_cast<const QRgb*>(bitmap.constScanLine(y)) + area.left(), bytes);
+    }
+    pending_ += area;
+}
+
+QRect OverlayLayer::textRect(const TextOverlay& text, int pictureHeight) {
+    if (text.text.isEmpty()) {
+        return {};
+    }
+    const QFontMetrics metrics(textFont(text, pictureHeight));
+    // Generous on every side: italics and accents may reach past the advance.
+    const int pad = metrics.height() / 2 + 2;
+    return QRect(text.x, text.y, metrics.horizontalAdvance(text.text), metrics.height())
+        .adjusted(-pad, -pad, pad, pad);
+}
+
 void OverlayLayer::setText(int slot, const TextOverlay& text) {
     if (slot < 0 || slot >= kTextSlots) {
         return;
     }
-    texts_[static_cast<size_t>(slot)] = text;
-    dirty_ = true;
+    TextOverlay& held = texts_[static_cast<size_t>(slot)];
+    if (!dirty_ && !composed_.isNull()) {
+        pending_ += textRect(held, composed_.height());
+        pending_ += textRect(text, composed_.height());
+    } else {
+        dirty_ = true;
+    }
+    held = text;
 }
 
 void OverlayLayer::clear() {
@@ -72,8 +109,13 @@ bool OverlayLayer::isEmpty() const {
 
 const QImage& OverlayLayer::composed(QSize pictureSize) const {
     if (!dirty_ && composed_.size() == pictureSize) {
+        for (const QRect& area : pending_) {
+            composeArea(area);
+        }
+        pending_ = QRegion();
         return composed_;
     }
+    pending_ = QRegion();
     composed_ = QImage(pictureSize, QImage::Format_ARGB32_Premultiplied);
     composed_.fill(Qt::transparent);
     if (!pictureSize.isEmpty()) {
@@ -97,6 +139,38 @@ const QImage& OverlayLayer::composed(QSize pictureSize) const {
     }
     dirty_ = false;
     return composed_;
+}
+
+void OverlayLayer::composeArea(const QRect& wanted) const {
+    const QRect area = wanted & composed_.rect();
+    if (area.isEmpty()) {
+        return;
+    }
+    const QRect fromBitmap = area & bitmap_.rect();
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        auto* dst = reinterpret_cast<QRgb*>(composed_.scanLine(y));
+        std::fill(dst + area.left(), dst + area.right() + 1, 0u);
+        if (y < fromBitmap.top() || y > fromBitmap.bottom() || fromBitmap.isEmpty()) {
+            continue;
+        }
+        const auto* in = reinterpret_cast<const QRgb*>(bitmap_.constScanLine(y));
+        for (int x = fromBitmap.left(); x <= fromBitmap.right(); ++x) {
+            const QRgb colour = in[x] & 0x00FFFFFFu;
+            dst[x] = colour == 0 ? 0u : (colour | 0xFF000000u);
+        }
+    }
+    QPainter painter(&composed_);
+    painter.setClipRect(area);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    for (const TextOverlay& text : texts_) {
+        if (text.text.isEmpty() || !textRect(text, composed_.height()).intersects(area)) {
+            continue;
+        }
+        const QFont font = textFont(text, composed_.height());
+        painter.setFont(font);
+        painter.setPen(text.color);
+        painter.drawText(QPoint(text.x, text.y + QFontMetrics(font).ascent()), text.text);
+    }
 }
 
 void OverlayLayer::paint(QPainter& painter, QSize pictureSize) const {

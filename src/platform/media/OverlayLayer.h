@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QFont>
 #include <QImage>
+#include <QRegion>
 #include <QSize>
 #include <QString>
 
@@ -31,6 +32,9 @@ public:
     static constexpr int kTextSlots = 40;
 
     void setBitmap(const QImage& bitmap);
+    // Takes over the part `changed` of a bitmap of which the rest was handed over before; the
+    // layer keeps a copy of its own, so the caller may go on drawing into its bitmap.
+    void updateBitmap(const QImage& bitmap, const QRect& changed);
     const QImage& bitmap() const { return bitmap_; }
     // slot outside 0..39 is ignored; an empty text clears the slot.
     void setText(int slot, const TextOverlay& text);
@@ -53,10 +57,16 @@ public:
     static QFont textFont(const TextOverlay& text, int pictureHeight);
 
 private:
+    // Where a text slot's line lies on a picture of that height.
+    static QRect textRect(const TextOverlay& text, int pictureHeight);
+    void composeArea(const QRect& area) const;
+
     QImage bitmap_;
     std::array<TextOverlay, kTextSlots> texts_{};
     mutable QImage composed_;
     mutable bool dirty_ = true;
+    // Parts of composed_ to build again, while it is not dirty as a whole.
+    mutable QRegion pending_;
 };
 
 // Makes black pixels of an RGB32 image transparent and the others opaque, as premultiplied ARGB.

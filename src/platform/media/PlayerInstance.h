@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QImage>
 #include <QObject>
+#include <QRect>
 #include <QSize>
 #include <QString>
 
@@ -55,6 +56,12 @@ public:
 
     // Shape layer: RGB32 as large as the picture; black lets the picture through.
     virtual void SetBitmapOverlay(const QImage& overlay) = 0;
+    // The same layer again, of which only `changed` differs from what was handed before: while
+    // a shape is dragged only the part it touches is taken over.
+    virtual void UpdateBitmapOverlay(const QImage& overlay, const QRect& changed) {
+        (void)changed;
+        SetBitmapOverlay(overlay);
+    }
     // Text slot 0..39 at picture pixel (x, y); an empty text clears the slot.
     virtual void SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
                                 int pointSize, QColor color) = 0;

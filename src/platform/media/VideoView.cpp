@@ -5,6 +5,7 @@
 #include <QMetaObject>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWheelEvent>
 
 namespace ravelcue::media {
 
@@ -74,7 +75,23 @@ QSize VideoView::pictureSize() const {
 }
 
 void VideoView::overlayChanged() {
-    repaint();
+    update();
+}
+
+void VideoView::overlayChanged(const QRect& pictureArea) {
+    const QSize picture = pictureSize();
+    const QRect shown = shownRegion(picture);
+    const QRect target = pictureRect();
+    if (shown.isEmpty() || target.isEmpty()) {
+        update();
+        return;
+    }
+    const double sx = static_cast<double>(target.width()) / shown.width();
+    const double sy = static_cast<double>(target.height()) / shown.height();
+    const QRectF on(target.left() + (pictureArea.left() - shown.left()) * sx,
+                    target.top() + (pictureArea.top() - shown.top()) * sy, pictureArea.width() * sx,
+                    pictureArea.height() * sy);
+    update(on.toAlignedRect().adjusted(-2, -2, 2, 2) & rect());
 }
 
 void VideoView::setZoomRegion(const QRect& region) {
@@ -169,6 +186,17 @@ void VideoView::mouseReleaseEvent(QMouseEvent* event) {
 
 void VideoView::mouseDoubleClickEvent(QMouseEvent*) {
     emit PictureDoubleClick();
+}
+
+void VideoView::wheelEvent(QWheelEvent* event) {
+    const int steps = event->angleDelta().y() / 120;
+    if (steps == 0) {
+        event->ignore();
+        return;
+    }
+    const QPointF at = toControlPosition(event->position());
+    emit wheelTurned(steps, at.x(), at.y());
+    event->accept();
 }
 
 } // namespace ravelcue::media

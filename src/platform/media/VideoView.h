@@ -30,8 +30,10 @@ public:
 
     OverlayLayer& overlay() { return overlay_; }
     const OverlayLayer& overlay() const { return overlay_; }
-    // Call after changing the overlay; repaints at once.
+    // Call after changing the overlay; the picture repaints at the next turn of the event loop.
     void overlayChanged();
+    // The same, when only this part of the picture's overlay changed.
+    void overlayChanged(const QRect& pictureArea);
 
     // The part of the picture shown; an empty rectangle shows all of it.
     void setZoomRegion(const QRect& region);
@@ -49,6 +51,9 @@ signals:
     void mouseMoved(int button, int shift, double x, double y);
     void mouseReleased(int button, int shift, double x, double y);
     void PictureDoubleClick();
+    // The wheel turned by `steps` notches (away from the user positive) over control position
+    // (x, y), reported as the mouse positions are.
+    void wheelTurned(int steps, double x, double y);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -56,6 +61,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     QPointF toControlPosition(QPointF widgetPosition) const;

@@ -140,3 +140,32 @@ TEST_F(OverlayTest, TextFontResolvesAndLargeBitmapsAreNotStretched) {
 }
 
 } // namespace
+
+// A layer brought up to date a part at a time composes to the same pixels as one built whole:
+// the part of the bitmap handed over, a text moved out of it, and a text moved into it.
+TEST(OverlayLayerParts, PartialChangesComposeAsTheWholeWould) {
+    const QSize picture(640, 480);
+    QImage bitmap = markerBitmap(picture);
+    OverlayLayer parts;
+    parts.setBitmap(bitmap.copy());
+    parts.setText(3, TextOverlay{QStringLiteral("moving note"), 190, 95});
+    parts.composed(picture);
+
+    QPainter(&bitmap).fillRect(400, 300, 30, 30, Qt::blue);
+    QPainter(&bitmap).fillRect(200, 100, 12, 8, Qt::black);
+    parts.updateBitmap(bitmap, QRect(200, 100, 230, 230));
+    parts.setText(3, TextOverlay{QStringLiteral("moving note"), 20, 400});
+    parts.setText(5, TextOverlay{QStringLiteral("new"), 405, 305, QStringLiteral("Arial Bold"), 12,
+                                 Qt::yellow});
+
+    OverlayLayer whole;
+    whole.setBitmap(bitmap);
+    whole.setText(3, TextOverlay{QStringLiteral("moving note"), 20, 400});
+    whole.setText(5, TextOverlay{QStringLiteral("new"), 405, 305, QStringLiteral("Arial Bold"), 12,
+                                 Qt::yellow});
+    EXPECT_TRUE(parts.composed(picture) == whole.composed(picture));
+
+    QPainter(&bitmap).fillRect(0, 0, 5, 5, Qt::green);
+    EXPECT_TRUE(parts.composed(picture) == whole.composed(picture))
+        << "the layer keeps its own copy of the bitmap";
+}

@@ -179,6 +179,13 @@ void FfmpegPlayer::SetBitmapOverlay(const QImage& overlay) {
     }
 }
 
+void FfmpegPlayer::UpdateBitmapOverlay(const QImage& overlay, const QRect& changed) {
+    if (view_) {
+        view_->overlay().updateBitmap(overlay, changed);
+        view_->overlayChanged(changed);
+    }
+}
+
 void FfmpegPlayer::SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
                                   int pointSize, QColor color) {
     if (view_) {

@@ -54,6 +54,7 @@ public:
     void SetZoomRegion(int x, int y, int width, int height) override;
     bool PlayerSaveFrame(const QString& path, int quality) override;
     void SetBitmapOverlay(const QImage& overlay) override;
+    void UpdateBitmapOverlay(const QImage& overlay, const QRect& changed) override;
     void SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
                         int pointSize, QColor color) override;
     VideoView* view() const override { return view_.data(); }
