@@ -14,6 +14,7 @@
 #include <QHash>
 #include <QMainWindow>
 #include <QString>
+#include <QStringList>
 
 namespace ravelcue {
 class SettingsStore;
@@ -128,6 +129,8 @@ protected:
 
 private:
     // ModeHost: what the mode machine asks of the window.
+    // Asserts in debug builds that the window has a control of that name.
+    QObject* modeControl(std::string_view name);
     void setControlEnabled(std::string_view control, bool enabled) override;
     void setControlVisible(std::string_view control, bool visible) override;
     void selectCameraOption(int index) override;
@@ -151,7 +154,8 @@ private:
     void cmdDeleteFiles_Click();
 
     // Start-up steps that need more than a line.
-    void connectEnabledCameras();
+    // Adds a line to `notices` for each enabled camera whose device is missing.
+    void connectEnabledCameras(QStringList& notices);
     void askOrRunUpdateCheck();
     void runSilentUpdateCheck();
     void setUnitCaptions();

@@ -7,14 +7,14 @@
 #include "core/Rounding.h"
 #include "core/SettingsStore.h"
 #include "core/TextNumbers.h"
+#include "platform/media/DeviceCatalog.h"
+#include "platform/media/MediaEngine.h"
 #include "platform/ui/ListSelection.h"
 #include "platform/ui/Prompts.h"
 #include "platform/ui/StatusPanels.h"
 #include "platform/ui/StatusPopup.h"
 #include "playback/RunEditToolFrame.h"
 #include "training/TrainingToolFrame.h"
-
-#include <cmath>
 
 #include <QAction>
 #include <QCheckBox>
@@ -34,7 +34,6 @@ constexpr double kStartHeightTwips = 11100;
 
 void MainWindow::Form_Load() {
     // 1-2: constants and the views; option 0 is already set, so no handler runs.
-    state_.PiValue = 4.0 * std::atan(1.0);
     state_.SelectedCam = 0;
     state_.SelectedPlayer = 0;
     state_.PlayerView = "SinglePlayer";
@@ -70,21 +69,23 @@ void MainWindow::Form_Load() {
     // 10: units.
     setUnitCaptions();
 
-    // 11: the microphone.
+    // 11: the microphone. What start-up has to tell goes to lblMessageBox, every line of it.
+    QStringList notices;
     if (!settings_.AudioSource.empty()) {
         ConnectAudio(settings_.AudioDeviceIndex);
     } else {
         media_.audio->SetAudioDevice(0);
-        commandStrip_->lblMessageBox()->setText(
-            QStringLiteral("No audio source detected. Select audio source on Setup window"));
+        notices << QStringLiteral("No audio source detected. Select audio source on Setup window");
     }
 
     // 12-13: the cameras, when camera 0 has a source.
     if (settings_.VideoSource[static_cast<size_t>(state_.SelectedCam)].empty()) {
-        commandStrip_->lblMessageBox()->setText(
-            QStringLiteral("No video source detected. Select video source on Setup window"));
+        notices << QStringLiteral("No video source detected. Select video source on Setup window");
     } else {
-        connectEnabledCameras();
+        connectEnabledCameras(notices);
+    }
+    if (!notices.isEmpty()) {
+        commandStrip_->lblMessageBox()->setText(notices.join(QStringLiteral("\n\n")));
     }
 
     // 14-16.
@@ -127,7 +128,8 @@ void MainWindow::setUnitCaptions() {
     }
 }
 
-void MainWindow::connectEnabledCameras() {
+void MainWindow::connectEnabledCameras(QStringList& notices) {
+    const media::DeviceCatalog& devices = services_.engine.devices();
     for (int i = 0; i < kCameraCount; ++i) {
         const auto k = static_cast<size_t>(i);
         const QString nickname = QString::fromStdString(settings_.CamNickname[k]);
@@ -142,7 +144,25 @@ void MainWindow::connectEnabledCameras() {
             captureFrame_->lblCamName(i)->setEnabled(true);
             captureFrame_->chkCapture(i)->setChecked(true);
             state_.PlayerEnable[k] = true;
-            ConnectCam(i, settings_.VideoDeviceIndex[k], state_.LiveRenderMode);
+            // Devices are stored by name and index; the index of a camera moves when another
+            // is plugged in, so the name decides. A camera that is gone is not replaced by
+            // whatever has its index now.
+            const QString source = QString::fromStdString(settings_.VideoSource[k]);
+            int device = settings_.VideoDeviceIndex[k];
+            if (devices.VideoDeviceName(device) != source) {
+                device = -1;
+                for (int d = 0; d < devices.VideoDeviceCount() && device < 0; ++d) {
+                    device = devices.VideoDeviceName(d) == source ? d : -1;
+                }
+                settings_.VideoDeviceIndex[k] = device;
+            }
+            if (device < 0) {
+                notices << QStringLiteral("Camera %1 (%2): \"%3\" is not connected. Select video "
+                                          "source on Setup window")
+                               .arg(i + 1)
+                               .arg(nickname, source);
+            }
+            ConnectCam(i, device, state_.LiveRenderMode);
             menus_.mnuCamera[k]->setEnabled(true);
         }
     }
@@ -156,8 +176,6 @@ void MainWindow::ConnectAudio(int deviceIndex) {
                                   ui::MessageIcon::Critical);
         return;
     }
-    audio.SetVideoDevice(-1);
-    audio.SetCaptureAudio(true);
     audio.SetCaptureFile(QString::fromStdString(state_.AppDataDir) +
                          QStringLiteral("/breakspeed.wav"));
 }
@@ -171,11 +189,6 @@ void MainWindow::InitPlayers() {
                                       ui::MessageIcon::Critical);
             return;
         }
-        player.SetVideoSize(800, 600);
-        player.SetRenderMode(1);
-        player.SetCaptureAudio(false);
-        player.SetSetting(42, 0);
-        player.SetSetting(45, 0);
     }
 }
 
