@@ -270,7 +270,7 @@ TEST_F(FileSetCaptureTest, AFullDiskDuringTheStartStopsEveryCameraToo) {
     // Runs at the first event the start serves: inside its two-second hold.
     QTimer::singleShot(0, [&] {
         inTheHold = fixture.recorder.calls("cam3.PauseCapture").size() == 1 &&
-                    fixture.recorder.calls("ResumeCapture").isEmpty();
+                    fixture.recorder.log().filter("ResumeCapture").isEmpty();
         emit fixture.window().media().cam(1).captureFailed(
             {media::media_error::DiskFull, "No space left on device"});
     });
@@ -280,7 +280,7 @@ TEST_F(FileSetCaptureTest, AFullDiskDuringTheStartStopsEveryCameraToo) {
         EXPECT_EQ(fixture.recorder.calls(QStringLiteral("cam%1.StopCapture").arg(camera)).size(), 1)
             << camera;
     }
-    EXPECT_TRUE(fixture.recorder.calls("ResumeCapture").isEmpty()) << "nobody records on";
+    EXPECT_TRUE(fixture.recorder.log().filter("ResumeCapture").isEmpty()) << "nobody records on";
     EXPECT_EQ(button()->text(), "Start Video Capture");
     EXPECT_EQ(state().CurrentState, "StopCaptureVideo");
     ASSERT_EQ(fixture.prompts.texts().size(), 1);
