@@ -23,6 +23,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QScreen>
 
 namespace ravelcue::app {
@@ -147,7 +148,9 @@ void MainWindow::connectEnabledCameras(QStringList& notices) {
             // Devices are stored by name and index; the index of a camera moves when another
             // is plugged in, so the name decides. A camera that is gone is not replaced by
             // whatever has its index now.
-            const QString source = QString::fromStdString(settings_.VideoSource[k]);
+            // Setup stores the name with its position in brackets: "USB Camera(1)".
+            QString source = QString::fromStdString(settings_.VideoSource[k]);
+            source.remove(QRegularExpression(QStringLiteral("\\(\\d+\\)$")));
             int device = settings_.VideoDeviceIndex[k];
             if (devices.VideoDeviceName(device) != source) {
                 device = -1;

@@ -135,7 +135,7 @@ TEST(StartUp, AStoredCameraThatIsGoneIsSaidAndNotReplaced) {
     WindowFixture fixture;
     fixture.answeredUpdateQuestion();
     fixture.enableCamera(0);
-    fixture.enableCamera(1, "USB Camera");
+    fixture.enableCamera(1, "USB Camera(1)");
     fixture.store.writeText("Video Device Index-1", "1"); // Demo Camera 2 has that index now
     fixture.store.writeText("Audio Source", "Demo Microphone");
     fixture.start();
