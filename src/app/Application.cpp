@@ -11,6 +11,8 @@
 #include "platform/ui/SingleInstance.h"
 #include "platform/ui/StatusPopup.h"
 
+#include <cstdio>
+
 #include <QApplication>
 #include <QDir>
 #include <QIcon>
@@ -30,6 +32,18 @@ QString commonDataFolder() {
 #endif
 }
 
+// Without a display Qt would abort with advice to reinstall it; a person needs the real reason.
+// Offscreen and other chosen platforms need none.
+bool displayAvailable() {
+#if defined(Q_OS_LINUX) || defined(Q_OS_FREEBSD)
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ||
+           !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+#else
+    return true;
+#endif
+}
+
 QString lockFolder() {
     const QString runtime = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     return runtime.isEmpty() ? QDir::tempPath() : runtime;
@@ -38,6 +52,12 @@ QString lockFolder() {
 } // namespace
 
 int runRavelcue(int& argc, char** argv, const RunOptions& options) {
+    if (!displayAvailable()) {
+        std::fputs("ravelcue: no display to show the window on (neither DISPLAY nor "
+                   "WAYLAND_DISPLAY is set); start it from a desktop session\n",
+                   stderr);
+        return 1;
+    }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Ravelcue"));
     QApplication::setOrganizationName(QStringLiteral("Ravelcue"));

@@ -121,8 +121,17 @@ QObject* MainWindow::control(const QString& name) {
     return object;
 }
 
-void MainWindow::setControlEnabled(std::string_view name, bool enabled) {
+QObject* MainWindow::modeControl(std::string_view name) {
     QObject* object = control(qtext(name));
+    // A name the window does not know would switch nothing, and a mode would quietly lose a
+    // control; debug builds stop at the misspelt name.
+    Q_ASSERT_X(object != nullptr, "ModeHost",
+               qPrintable(QStringLiteral("no control ") + qtext(name)));
+    return object;
+}
+
+void MainWindow::setControlEnabled(std::string_view name, bool enabled) {
+    QObject* object = modeControl(name);
     if (auto* action = qobject_cast<QAction*>(object)) {
         action->setEnabled(enabled);
     } else if (auto* widget = qobject_cast<QWidget*>(object)) {
@@ -135,7 +144,7 @@ void MainWindow::setControlVisible(std::string_view name, bool visible) {
         // Every way out of the training pane goes through here; a run must not outlive it.
         training_->paneLeft();
     }
-    QObject* object = control(qtext(name));
+    QObject* object = modeControl(name);
     if (auto* action = qobject_cast<QAction*>(object)) {
         action->setVisible(visible);
     } else if (auto* widget = qobject_cast<QWidget*>(object)) {

@@ -16,6 +16,7 @@
 #include <QHash>
 #include <QMainWindow>
 #include <QString>
+#include <QStringList>
 
 namespace ravelcue {
 class SettingsStore;
@@ -132,6 +133,8 @@ protected:
 
 private:
     // ModeHost: what the mode machine asks of the window.
+    // Asserts in debug builds that the window has a control of that name.
+    QObject* modeControl(std::string_view name);
     void setControlEnabled(std::string_view control, bool enabled) override;
     void setControlVisible(std::string_view control, bool visible) override;
     void selectCameraOption(int index) override;
@@ -159,7 +162,9 @@ private:
     // The units, the microphone and the camera rows of the settings in force, from start-up or
     // from Setup's OK.
     void applySettings(const AppSettings& accepted, SettingsFrom from);
-    void connectEnabledCameras(SettingsFrom from);
+    // Adds a line to `notices` for each enabled camera whose device is missing.
+    void connectEnabledCameras(SettingsFrom from, QStringList& notices);
+    void showNotices(const QStringList& notices);
     std::vector<std::string> videoDeviceNames();
     void askOrRunUpdateCheck();
     void runSilentUpdateCheck();

@@ -29,29 +29,39 @@ std::vector<std::string> MainWindow::videoDeviceNames() {
     return names;
 }
 
+void MainWindow::showNotices(const QStringList& notices) {
+    if (!notices.isEmpty()) {
+        commandStrip_->lblMessageBox()->setText(notices.join(QStringLiteral("\n\n")));
+    }
+}
+
 void MainWindow::applySettings(const AppSettings& accepted, SettingsFrom from) {
     const AppSettings before = settings_;
     settings_ = accepted;
     setUnitCaptions();
+    // What there is to tell goes to lblMessageBox, every line of it.
+    QStringList notices;
     if (from == SettingsFrom::StartUp) {
         if (!settings_.AudioSource.empty()) {
             ConnectAudio(settings_.AudioDeviceIndex);
         } else {
             media_.audio->SetAudioDevice(0);
-            commandStrip_->lblMessageBox()->setText(
-                QStringLiteral("No audio source detected. Select audio source on Setup window"));
+            notices << QStringLiteral(
+                "No audio source detected. Select audio source on Setup window");
         }
         // Only camera 0's source decides whether the cameras are looked at at all.
         if (settings_.VideoSource[static_cast<size_t>(state_.SelectedCam)].empty()) {
-            commandStrip_->lblMessageBox()->setText(
-                QStringLiteral("No video source detected. Select video source on Setup window"));
+            notices << QStringLiteral(
+                "No video source detected. Select video source on Setup window");
         } else {
-            connectEnabledCameras(from);
+            connectEnabledCameras(from, notices);
         }
+        showNotices(notices);
         return;
     }
     breakSpeedPane_->txtDistance()->setText(QString::fromStdString(floatText(settings_.Distance)));
-    connectEnabledCameras(from);
+    connectEnabledCameras(from, notices);
+    showNotices(notices);
     // The microphone chosen is used at once, not from the next start.
     switch (setup::reconnectionAfterSetup(before, settings_).audio) {
     case setup::AudioChange::Reconnect:

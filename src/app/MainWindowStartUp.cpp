@@ -7,6 +7,8 @@
 #include "core/Rounding.h"
 #include "core/SettingsStore.h"
 #include "core/TextNumbers.h"
+#include "platform/media/DeviceCatalog.h"
+#include "platform/media/MediaEngine.h"
 #include "platform/ui/ListSelection.h"
 #include "platform/ui/Prompts.h"
 #include "platform/ui/StatusPanels.h"
@@ -15,8 +17,6 @@
 #include "setup/SetupForm.h"
 #include "training/TrainingToolFrame.h"
 
-#include <cmath>
-
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -24,6 +24,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QScreen>
 
 namespace ravelcue::app {
@@ -35,7 +36,6 @@ constexpr double kStartHeightTwips = 11100;
 
 void MainWindow::Form_Load() {
     // 1-2: constants and the views; option 0 is already set, so no handler runs.
-    state_.PiValue = 4.0 * std::atan(1.0);
     state_.SelectedCam = 0;
     state_.SelectedPlayer = 0;
     state_.PlayerView = "SinglePlayer";
@@ -115,8 +115,9 @@ void MainWindow::setUnitCaptions() {
     }
 }
 
-void MainWindow::connectEnabledCameras(SettingsFrom from) {
+void MainWindow::connectEnabledCameras(SettingsFrom from, QStringList& notices) {
     const bool startUp = from == SettingsFrom::StartUp;
+    const media::DeviceCatalog& devices = services_.engine.devices();
     for (int i = 0; i < kCameraCount; ++i) {
         const auto k = static_cast<size_t>(i);
         const QString nickname = QString::fromStdString(settings_.CamNickname[k]);
@@ -138,7 +139,27 @@ void MainWindow::connectEnabledCameras(SettingsFrom from) {
             if (startUp) {
                 state_.PlayerEnable[k] = true;
             }
-            ConnectCam(i, settings_.VideoDeviceIndex[k], state_.LiveRenderMode);
+            // Devices are stored by name and index; the index of a camera moves when another
+            // is plugged in, so the name decides. A camera that is gone is not replaced by
+            // whatever has its index now.
+            // Setup stores the name with its position in brackets: "USB Camera(1)".
+            QString source = QString::fromStdString(settings_.VideoSource[k]);
+            source.remove(QRegularExpression(QStringLiteral("\\(\\d+\\)$")));
+            int device = settings_.VideoDeviceIndex[k];
+            if (devices.VideoDeviceName(device) != source) {
+                device = -1;
+                for (int d = 0; d < devices.VideoDeviceCount() && device < 0; ++d) {
+                    device = devices.VideoDeviceName(d) == source ? d : -1;
+                }
+                settings_.VideoDeviceIndex[k] = device;
+            }
+            if (device < 0) {
+                notices << QStringLiteral("Camera %1 (%2): \"%3\" is not connected. Select video "
+                                          "source on Setup window")
+                               .arg(i + 1)
+                               .arg(nickname, source);
+            }
+            ConnectCam(i, device, state_.LiveRenderMode);
         }
     }
 }
@@ -151,8 +172,6 @@ void MainWindow::ConnectAudio(int deviceIndex) {
                                   ui::MessageIcon::Critical);
         return;
     }
-    audio.SetVideoDevice(-1);
-    audio.SetCaptureAudio(true);
     audio.SetCaptureFile(QString::fromStdString(state_.AppDataDir) +
                          QStringLiteral("/breakspeed.wav"));
 }
@@ -166,11 +185,6 @@ void MainWindow::InitPlayers() {
                                       ui::MessageIcon::Critical);
             return;
         }
-        player.SetVideoSize(800, 600);
-        player.SetRenderMode(1);
-        player.SetCaptureAudio(false);
-        player.SetSetting(42, 0);
-        player.SetSetting(45, 0);
     }
 }
 

@@ -16,6 +16,10 @@ namespace ravelcue::breakspeed {
 
 namespace {
 
+// What txtSpeed shows while the distance is not a number, so that no speed of an older distance
+// stands beside it.
+constexpr const char* kNoSpeed = "0.000";
+
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -45,18 +49,19 @@ int loudestFrom(std::span<const std::int16_t> samples, std::size_t from) {
 
 } // namespace
 
-LoadedAudio LoadAudioFile(const std::filesystem::path& path) {
+LoadedAudio LoadAudioFile(const std::filesystem::path& path, std::uintmax_t maxBytes) {
     LoadedAudio loaded;
     std::error_code error;
     if (!std::filesystem::exists(path, error)) {
         loaded.result = LoadResult::Missing;
         return loaded;
     }
-    const std::uintmax_t bytes = std::filesystem::file_size(path, error);
+    const std::uintmax_t fileBytes = std::filesystem::file_size(path, error);
     if (error) {
         loaded.result = LoadResult::Unreadable;
         return loaded;
     }
+    const std::uintmax_t bytes = std::min(fileBytes, maxBytes);
     // bytes / 2 rounded, a tie to even: 2k+1 bytes make k words when k is even, k+1 when odd.
     std::uintmax_t words = bytes / 2;
     if (bytes % 2 == 1 && words % 2 == 1) {
@@ -169,6 +174,8 @@ PeakDetection DetectPeaks(std::span<const std::int16_t> samples, int thresholdIn
     const std::optional<float> distance = FieldNumber(distanceText);
     if (!distance) {
         d.update.distance = DistanceCheck::NotANumber;
+        d.update.speed = kNoSpeed;
+        d.update.energy = "";
         return d;
     }
     d.update.distance = DistanceCheck::Number;
@@ -179,25 +186,13 @@ PeakDetection DetectPeaks(std::span<const std::int16_t> samples, int thresholdIn
     return d;
 }
 
-Analysis AnalyseRecording(const std::filesystem::path& path, int thresholdIndex,
-                          std::string_view distanceText, const SpeedSettings& settings) {
-    Analysis analysis;
-    analysis.audio = LoadAudioFile(path);
-    if (analysis.audio.result != LoadResult::Loaded) {
-        analysis.detection.update.status = Status{"No recording to analyse", kRed};
-        return analysis;
-    }
-    analysis.detection =
-        DetectPeaks(analysis.audio.samples, thresholdIndex, distanceText, settings);
-    return analysis;
-}
-
 PaneUpdate SpeedForDistanceChange(std::string_view distanceText, std::string_view deltaTimeText,
                                   const SpeedSettings& settings) {
     PaneUpdate update;
     const std::optional<float> distance = FieldNumber(distanceText);
     if (!distance) {
         update.distance = DistanceCheck::NotANumber;
+        update.speed = kNoSpeed;
         return update;
     }
     update.distance = DistanceCheck::Number;
@@ -223,6 +218,7 @@ PaneUpdate MeasureMarks(int markStart, int markEnd, std::string_view distanceTex
     const std::optional<float> distance = FieldNumber(distanceText);
     if (!distance) {
         update.distance = DistanceCheck::NotANumber;
+        update.speed = kNoSpeed;
         return update;
     }
     update.distance = DistanceCheck::Number;

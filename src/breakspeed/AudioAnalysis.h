@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -69,7 +70,9 @@ struct LoadedAudio {
 
 // Reads the file whole, from byte 0, as little-endian words; an odd byte count rounds the word
 // count to even, the missing byte reading as 0. A file with no whole word is Empty.
-LoadedAudio LoadAudioFile(const std::filesystem::path& path);
+// At most `maxBytes` of the file are read.
+LoadedAudio LoadAudioFile(const std::filesystem::path& path,
+                          std::uintmax_t maxBytes = std::numeric_limits<std::uintmax_t>::max());
 
 // [start, end] as word indices, the stretch shown in Picture2 (AudioSelStart, AudioSelEnd).
 struct WordRange {
@@ -92,15 +95,6 @@ struct PeakDetection {
 // thresholdIndex is the ListIndex of cboThreshold: 0..4 give 30% to 70% of the loudest sample
 // (an index outside the list counts as its nearest end).
 PeakDetection DetectPeaks(std::span<const std::int16_t> samples, int thresholdIndex,
-                          std::string_view distanceText, const SpeedSettings& settings);
-
-// LoadAudioFile then DetectPeaks, as a stop of the capture and cboThreshold_Click do. A missing,
-// empty or unreadable recording says "No recording to analyse" and changes nothing else.
-struct Analysis {
-    LoadedAudio audio;
-    PeakDetection detection;
-};
-Analysis AnalyseRecording(const std::filesystem::path& path, int thresholdIndex,
                           std::string_view distanceText, const SpeedSettings& settings);
 
 // Seconds between two word indices of one channel, as a 32-bit float.

@@ -3,8 +3,10 @@
 
 #include "breakspeed/AudioAnalysis.h"
 #include "core/Version.h"
+#include "platform/media/ffmpeg/SoundFileReader.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,11 +19,16 @@ constexpr int kResults = 0;
 constexpr int kNoTwoPeaks = 1;
 constexpr int kBadInput = 2;
 
-constexpr std::string_view kUsage = R"(Usage: ravelcue-breakspeed FILE.wav [options]
+// Longer recordings are read this far: a shot is seconds long, and a file of hours would only
+// fill the memory.
+constexpr double kLongestSeconds = 600;
+constexpr int kHeaderWords = 22; // of the pane's own recordings, which the analysis counts in
 
-Finds the two sounds of a shot in a recording (16-bit stereo WAV, 44,100 frames a
-second; the left channel is used) and prints the time between them, the speed of
-the ball over the distance, and its energy, as the Break Speed pane shows them:
+constexpr std::string_view kUsage = R"(Usage: ravelcue-breakspeed FILE [options]
+
+Finds the two sounds of a shot in a recording and prints the time between them,
+the speed of the ball over the distance, and its energy, as the Break Speed pane
+shows them:
 
   status: <what the peak detection found>
   delta_time: <seconds>
@@ -30,9 +37,15 @@ the ball over the distance, and its energy, as the Break Speed pane shows them:
 
 A field the measurement did not reach is printed empty.
 
+FILE may be any sound FFmpeg reads: a WAV of any format, a phone's m4a, an mp3 or
+ogg, the sound of a video. It is converted to 44,100 frames a second, 16-bit; a
+16-bit stereo WAV of that rate, as the program records, is read as it stands. At
+most the first 10 minutes are read.
+
 Options:
-  --distance N     distance between the two sounds, in inches (centimetres with
-                   --metric); default 48
+  --distance N     distance between the two sounds, above 0, in inches
+                   (centimetres with --metric); default 48
+  --channel C      left or right: the channel to analyse; default left
   --metric         distance in centimetres and speed in kph; default inches and mph
   --cueball        take the cue ball's diameter (2.25 in, 5.715 cm) off the
                    distance; this is the default, as in the program
@@ -43,7 +56,7 @@ Options:
   --version        show the version
 
 Exit status: 0 with results; 1 when no two peaks are found (a weak signal, a single
-sound, an empty recording); 2 on a bad argument or a file that can't be read.
+sound); 2 on a bad argument, or a file that is empty or can't be read.
 )";
 
 struct Options {
@@ -51,6 +64,7 @@ struct Options {
     std::string distance = "48";
     SpeedSettings settings{0, 1};
     int thresholdIndex = 2;
+    bool rightChannel = false;
     bool help = false;
     bool version = false;
 };
@@ -107,10 +121,17 @@ std::optional<std::string> parseArguments(int argc, char** argv, Options& option
             options.settings.Cueball = 0;
         } else if (name == "--distance") {
             const std::optional<std::string_view> text = takeValue();
-            if (!text || !FieldNumber(*text)) {
-                return "--distance needs a number";
+            const std::optional<float> distance = text ? FieldNumber(*text) : std::nullopt;
+            if (!distance || !(*distance > 0)) {
+                return "--distance needs a number above 0";
             }
             options.distance = *text;
+        } else if (name == "--channel") {
+            const std::optional<std::string_view> text = takeValue();
+            if (!text || (*text != "left" && *text != "right")) {
+                return "--channel needs left or right";
+            }
+            options.rightChannel = *text == "right";
         } else if (name == "--threshold") {
             const std::optional<std::string_view> text = takeValue();
             if (!text || text->size() != 1 || (*text)[0] < '0' || (*text)[0] > '4') {
@@ -125,6 +146,48 @@ std::optional<std::string> parseArguments(int argc, char** argv, Options& option
         return "no recording given";
     }
     return std::nullopt;
+}
+
+int unreadable(const std::string& file, const std::string& reason) {
+    std::fprintf(stderr, "ravelcue-breakspeed: can't read %s: %s\n", file.c_str(), reason.c_str());
+    return kBadInput;
+}
+
+// The recording as the pane holds one: the words of the file from its first byte, or the
+// converted sound behind room for a header, so that word numbers mean the same in both.
+std::optional<AudioSamples> readRecording(const std::string& file, std::string& reason) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) {
+        reason = std::filesystem::exists(file, error) ? "not a file" : "no such file";
+        return std::nullopt;
+    }
+    if (std::filesystem::file_size(file, error) == 0) {
+        reason = "the file is empty";
+        return std::nullopt;
+    }
+    ravelcue::media::ffmpeg::SoundReading sound =
+        ravelcue::media::ffmpeg::readSound(file, kLongestSeconds);
+    if (!sound.error.empty()) {
+        reason = sound.error;
+        return std::nullopt;
+    }
+    if (sound.plainWav) {
+        const auto longest =
+            static_cast<std::uintmax_t>(kHeaderWords * 2 + kLongestSeconds * 44100 * 4);
+        LoadedAudio loaded = LoadAudioFile(file, longest);
+        if (loaded.result != LoadResult::Loaded) {
+            reason = "the file can't be read";
+            return std::nullopt;
+        }
+        if (loaded.samples.size() <= static_cast<std::size_t>(kHeaderWords)) {
+            reason = "the recording holds no sound";
+            return std::nullopt;
+        }
+        return std::move(loaded.samples);
+    }
+    AudioSamples samples(kHeaderWords, 0);
+    samples.insert(samples.end(), sound.words.begin(), sound.words.end());
+    return samples;
 }
 
 } // namespace
@@ -143,14 +206,20 @@ int main(int argc, char** argv) {
         return kResults;
     }
 
-    const Analysis analysis =
-        AnalyseRecording(options.file, options.thresholdIndex, options.distance, options.settings);
-    const LoadResult loaded = analysis.audio.result;
-    if (loaded == LoadResult::Missing || loaded == LoadResult::Unreadable) {
-        std::fprintf(stderr, "ravelcue-breakspeed: can't read %s\n", options.file.c_str());
-        return kBadInput;
+    std::string reason;
+    std::optional<AudioSamples> samples = readRecording(options.file, reason);
+    if (!samples) {
+        return unreadable(options.file, reason);
     }
-    const PaneUpdate& update = analysis.detection.update;
+    if (options.rightChannel) {
+        // The analysis reads the words at even places, the left channel's after the header.
+        for (std::size_t i = kHeaderWords; i + 1 < samples->size(); i += 2) {
+            std::swap((*samples)[i], (*samples)[i + 1]);
+        }
+    }
+    const PeakDetection detection =
+        DetectPeaks(*samples, options.thresholdIndex, options.distance, options.settings);
+    const PaneUpdate& update = detection.update;
     auto text = [](const std::optional<std::string>& field) { return field.value_or(""); };
     std::printf("status: %s\n", update.status ? update.status->text.c_str() : "");
     std::printf("delta_time: %s\n", text(update.deltaTime).c_str());

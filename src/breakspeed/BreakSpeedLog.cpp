@@ -194,11 +194,28 @@ bool SaveLogFile(const std::filesystem::path& path, std::span<const LogRow> rows
     return false;
 }
 
+namespace {
+std::optional<double> speedValue(const std::string& text) {
+    const std::optional<double> value = parseNumber(text);
+    return value && std::isfinite(*value) ? value : std::nullopt;
+}
+} // namespace
+
+std::vector<std::size_t> UnreadableSpeeds(std::span<const std::string> speeds) {
+    std::vector<std::size_t> positions;
+    for (std::size_t i = 0; i < speeds.size(); ++i) {
+        if (!speedValue(speeds[i])) {
+            positions.push_back(i);
+        }
+    }
+    return positions;
+}
+
 std::optional<LogStatistics> BreakSpeedStatistics(std::span<const std::string> speeds) {
     LogStatistics statistics;
     std::vector<double> values;
     for (const std::string& text : speeds) {
-        if (const std::optional<double> value = parseNumber(text); value && std::isfinite(*value)) {
+        if (const std::optional<double> value = speedValue(text)) {
             values.push_back(*value);
         } else {
             ++statistics.leftOut;

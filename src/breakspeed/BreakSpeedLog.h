@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <span>
@@ -62,6 +63,8 @@ struct LogStatistics {
 
 // Nothing when fewer than two of the texts are numbers.
 std::optional<LogStatistics> BreakSpeedStatistics(std::span<const std::string> speeds);
+// The positions of the speeds that are not numbers, which the statistics leave out.
+std::vector<std::size_t> UnreadableSpeeds(std::span<const std::string> speeds);
 
 // The three figures as lblMean, lblSD and lblEnergy show them.
 struct StatisticsTexts {

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QPushButton>
+#include <QStringList>
 #include <QTreeWidget>
 
 namespace ravelcue::breakspeed {
@@ -161,27 +162,38 @@ void BreakSpeedLogDialog::cmdDelete_Click() {
 
 void BreakSpeedLogDialog::cmdCalculate_Click() {
     std::vector<std::string> speeds; // in list order; the statistics visit them from the last
+    std::vector<int> rowNumbers;     // of each speed, counted from 1 as the list shows them
     for (int i = 0; i < ListView1_->topLevelItemCount(); ++i) {
         if (ListView1_->topLevelItem(i)->isSelected()) {
             const auto* entry = std::get_if<LogEntry>(&rows_[static_cast<size_t>(i)]);
             speeds.push_back(entry != nullptr ? entry->speed : std::string());
+            rowNumbers.push_back(i + 1);
         }
+    }
+    // The rows whose speed is no number, as "3, 5".
+    QStringList unreadable;
+    for (const std::size_t at : UnreadableSpeeds(speeds)) {
+        unreadable << QString::number(rowNumbers[at]);
     }
     const std::optional<LogStatistics> statistics = BreakSpeedStatistics(speeds);
     if (!statistics) {
-        prompts_.message(QStringLiteral("You must select 2 or more breakspeeds for calculations "
-                                        "to be performed."),
-                         ui::MessageIcon::Information);
+        QString text = QStringLiteral("You must select 2 or more breakspeeds for calculations "
+                                      "to be performed.");
+        if (speeds.size() >= 2) {
+            text += QStringLiteral("\nThe break speed of these selected rows is not a number: ") +
+                    unreadable.join(QStringLiteral(", "));
+        }
+        prompts_.message(text, ui::MessageIcon::Information);
         return;
     }
     const StatisticsTexts texts = FormatStatistics(*statistics);
     lblMean_->setText(QString::fromStdString(texts.mean));
     lblSD_->setText(QString::fromStdString(texts.sd));
     lblEnergy_->setText(QString::fromStdString(texts.energy));
-    if (statistics->leftOut > 0) {
-        prompts_.message(QStringLiteral("%1 of the selected break speeds are not numbers and are "
-                                        "left out of the figures.")
-                             .arg(statistics->leftOut),
+    if (!unreadable.isEmpty()) {
+        prompts_.message(QStringLiteral("The break speed of these selected rows is not a number "
+                                        "and is left out of the figures: ") +
+                             unreadable.join(QStringLiteral(", ")),
                          ui::MessageIcon::Information);
     }
 }

@@ -137,6 +137,16 @@ BreakSpeedPane::BreakSpeedPane(ui::WindowContext& context, sound::SoundOutput& s
     connect(cmdBreakSpeedLog_, &QPushButton::clicked, this,
             &BreakSpeedPane::cmdBreakSpeedLog_Click);
     connect(txtDistance_, &QLineEdit::textChanged, this, &BreakSpeedPane::txtDistance_Change);
+    if (context_.media.audio) {
+        // A recording that ends on its own (full disk) ends the capture; what it holds is read.
+        connect(context_.media.audio.get(), &media::AudioInstance::captureFailed, this,
+                [this](const QString& reason) {
+                    if (cmdStartBreakSpeed_->text() != kStartCaption) {
+                        context_.prompts.message(reason, ui::MessageIcon::Exclamation);
+                        cmdStartBreakSpeed_Click();
+                    }
+                });
+    }
     // A choice by the user only: filling the list and SelectListEntry measure nothing.
     connect(cboThreshold_, &QComboBox::activated, this, &BreakSpeedPane::cboThreshold_Click);
     connect(Picture1_, &WaveformBox::pressed, this, &BreakSpeedPane::Picture1_MouseDown);
@@ -230,7 +240,9 @@ void BreakSpeedPane::cmdStartBreakSpeed_Click() {
         tmrBlink2_->start();
         CaptureCountdown_ = 60;
         context_.status.setPanel(1, QStringLiteral("Capturing Audio..."));
-        audio.StartCapture();
+        if (const media::MediaError error = audio.StartCapture(); !error.ok()) {
+            captureNotStarted(error);
+        }
     } else if (caption == kStopCaption || caption == kDarkCaption) {
         cmdStartBreakSpeed_->setText(kStartCaption);
         context_.mode.State("StopCaptureAudio");
@@ -280,14 +292,52 @@ void BreakSpeedPane::cmdCalTone_Click() {
         txtDistance_->setText(distance);
     }
     media::AudioInstance& audio = *context_.media.audio;
-    audio.StartCapture();
+    const media::MediaError error = audio.StartCapture();
     sound_.PlayBeep(400, 1000);
+    if (!error.ok()) {
+        forgetRecording();
+        context_.prompts.message(QStringLiteral("Audio capture could not start\n") + error.text,
+                                 ui::MessageIcon::Exclamation);
+        return;
+    }
     context_.clock.DelaySeconds(1);
     audio.StopCapture();
     LoadAudioFile(); // the tone's block is marked by hand
 }
 
+void BreakSpeedPane::captureNotStarted(const media::MediaError& error) {
+    cmdStartBreakSpeed_->setText(kStartCaption);
+    context_.mode.State("StopCaptureAudio");
+    context_.cancelKey.setCancelButton(nullptr);
+    tmrBlink2_->stop();
+    context_.status.setPanel(1, QStringLiteral("Audio Capture Stopped"));
+    forgetRecording();
+    context_.prompts.message(QStringLiteral("Audio capture could not start\n") + error.text,
+                             ui::MessageIcon::Exclamation);
+}
+
+void BreakSpeedPane::forgetRecording() {
+    // The file on disk is an older recording: nothing here may pass for a new one, and the
+    // threshold list leaves it alone until a capture succeeds.
+    recordingStale_ = true;
+    samples_.clear();
+    AudioSelStart_ = AudioSelEnd_ = MarkStart_ = MarkEnd_ = 0;
+    Picture1_->Cls();
+    Picture2_->Cls();
+    txtDeltaTime_->clear();
+    txtSpeed_->clear();
+    txtEnergy_->clear();
+    setStatus(QStringLiteral("No recording to analyse"), kRed);
+}
+
 void BreakSpeedPane::cmdBreakSpeedLog_Click() {
+    // A speed beside a distance it was not computed from has no place in the log.
+    if (!FieldNumber(txtDistance_->text().toStdString())) {
+        context_.prompts.message(QStringLiteral("The distance is not a number\nEnter the distance "
+                                                "the ball travelled before saving."),
+                                 ui::MessageIcon::Exclamation);
+        return;
+    }
     context_.state.LogSpeedText = txtSpeed_->text().toStdString();
     context_.state.LogEnergyText = txtEnergy_->text().toStdString();
     if (!frmBreakSpeedLog_) {
@@ -309,12 +359,16 @@ void BreakSpeedPane::txtDistance_Change() {
 }
 
 void BreakSpeedPane::cboThreshold_Click() {
+    if (recordingStale_) {
+        return;
+    }
     if (LoadAudioFile()) {
         DetectPeaks();
     }
 }
 
 bool BreakSpeedPane::LoadAudioFile() {
+    recordingStale_ = false;
     LoadedAudio loaded = breakspeed::LoadAudioFile(dataFile("breakspeed.wav").toStdString());
     if (loaded.result != LoadResult::Loaded) {
         setStatus(QStringLiteral("No recording to analyse"), kRed);

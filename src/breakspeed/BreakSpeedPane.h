@@ -1,6 +1,7 @@
 #pragma once
 
 #include "breakspeed/AudioAnalysis.h"
+#include "platform/media/MediaError.h"
 
 #include <QObject>
 #include <QPointer>
@@ -102,8 +103,12 @@ private:
     QTimer* tmrBlink2_ = nullptr;
     QPointer<BreakSpeedLogDialog> frmBreakSpeedLog_;
 
-    AudioSamples samples_; // AudioSamples: the last recording, header and all
-    int scaleHeight_ = 0;  // of samples_, the same for both views
+    void captureNotStarted(const media::MediaError& error);
+    void forgetRecording();
+
+    AudioSamples samples_;        // AudioSamples: the last recording, header and all
+    bool recordingStale_ = false; // the last capture wrote nothing
+    int scaleHeight_ = 0;         // of samples_, the same for both views
     int AudioSelStart_ = 0;
     int AudioSelEnd_ = 0;
     int MarkStart_ = 0;

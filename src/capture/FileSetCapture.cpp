@@ -32,6 +32,14 @@ const QString kStartCaption = QStringLiteral("Start Video Capture");
 const QString kStopCaption = QStringLiteral("Stop Video Capture");
 const QString kBlankCaption = QStringLiteral(" ");
 
+// How the file systems the program is used on compare names: Windows and macOS ignore case, so
+// there a base of Match1 names the files of match1.
+#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
+constexpr names::NameCase kFileNameCase = names::NameCase::Ignored;
+#else
+constexpr names::NameCase kFileNameCase = names::NameCase::Exact;
+#endif
+
 QString qtext(const std::string& text) {
     return QString::fromStdString(text);
 }
@@ -127,11 +135,11 @@ bool FileSetCapture::clearExistingFiles(const QString& folder, const QString& ba
                                         const QString& extension) {
     const auto matching = [&] {
         QStringList found;
-        const QStringList all =
-            QDir(folder).entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
+        // Files only, hidden ones too: a folder is never a member and is not ours to delete.
+        const QStringList all = QDir(folder).entryList(QDir::Files | QDir::Hidden);
         for (const QString& file : all) {
             if (names::matchesCapturePattern(file.toStdString(), base.toStdString(),
-                                             extension.toStdString())) {
+                                             extension.toStdString(), kFileNameCase)) {
                 found << file;
             }
         }
@@ -185,23 +193,23 @@ void FileSetCapture::showCaptureStatus(const QString& base, const QString& exten
     status.setPanel(5, QString());
 }
 
-bool FileSetCapture::startAndHold(int camera, const EncoderChoice& encoder) {
+media::MediaError FileSetCapture::startAndHold(int camera, const EncoderChoice& encoder) {
     media::CaptureInstance& instance = context_.media.cam(camera);
-    bool started = false;
+    media::MediaError error;
     if (context_.settings.CaptureType == "WMV") {
         instance.SetProfileIndex(encoder.index);
-        started = instance.StartCapture();
+        error = instance.StartCapture();
     } else if (encoder.uncompressed) {
         instance.SetCompressorIndex(-1);
-        started = instance.StartCaptureUncompressed();
+        error = instance.StartCaptureUncompressed();
     } else {
         instance.SetCompressorIndex(encoder.index);
-        started = instance.StartCapture();
+        error = instance.StartCapture();
     }
-    if (started) {
+    if (error.ok()) {
         instance.PauseCapture();
     }
-    return started;
+    return error;
 }
 
 QString FileSetCapture::cameraLabel(int camera) const {
@@ -244,13 +252,16 @@ void FileSetCapture::Start() {
     // Every camera is started and held before any records, so that the release below is one
     // short loop and the first frames of the Set lie close together.
     QStringList failed;
+    QStringList causes;
     for (int i = 0; i < 4; ++i) {
         const auto k = static_cast<size_t>(i);
         recordingCamera_[k] = false;
         if (ticked_[k]) {
-            recordingCamera_[k] = startAndHold(i, encoder);
-            if (!recordingCamera_[k]) {
+            const media::MediaError error = startAndHold(i, encoder);
+            recordingCamera_[k] = error.ok();
+            if (!error.ok()) {
                 failed << cameraLabel(i);
+                causes << cameraLabel(i) + QStringLiteral(": ") + error.text;
             }
         } else {
             context_.media.cam(i).SetPreview(false);
@@ -258,7 +269,8 @@ void FileSetCapture::Start() {
     }
     liveView_.requestCameraOption(4);
     context_.clock.DelaySeconds(2);
-    for (int i = 0; i < 4; ++i) {
+    // A full disk reported during the hold stops the Set below; no camera records meanwhile.
+    for (int i = 0; i < 4 && !stopWhenStarted_; ++i) {
         if (recordingCamera_[static_cast<size_t>(i)]) {
             context_.media.cam(i).ResumeCapture();
         }
@@ -272,7 +284,8 @@ void FileSetCapture::Start() {
 
     if (!failed.isEmpty()) {
         context_.prompts.message(failed.join(QStringLiteral(", ")) +
-                                     QStringLiteral(" could not start recording."),
+                                     QStringLiteral(" could not start recording.\n") +
+                                     causes.join('\n'),
                                  ui::MessageIcon::Exclamation, ui::MessageButtons::Ok);
     }
     if (stopWhenStarted_ ||

@@ -46,7 +46,7 @@ private:
     EncoderChoice chooseEncoder() const;
     void showCaptureStatus(const QString& base, const QString& extension,
                            const EncoderChoice& encoder);
-    bool startAndHold(int camera, const EncoderChoice& encoder);
+    media::MediaError startAndHold(int camera, const EncoderChoice& encoder);
     void rejectName(const QString& redText);
     void cameraFailed(int camera, const media::MediaError& error);
     QString cameraLabel(int camera) const;

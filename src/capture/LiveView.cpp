@@ -58,14 +58,11 @@ void LiveView::ConnectCam(int camera, int deviceIndex, std::string_view captureM
     instance.SetConnected(false);
     instance.SetVideoDevice(deviceIndex);
     instance.SetCaptureFrameRate(leadingNumber(context_.settings.FrameRate[k]));
-    instance.SetCaptureAudio(false);
-    instance.SetSetting(42, 0);
     if (captureMode == "Fast") {
         instance.SetRenderMode(0);
     } else if (captureMode == "Slow") {
         instance.SetRenderMode(1);
     }
-    instance.SetSetting(45, 0);
     instance.view()->resize(800, 600);
     instance.SetPreviewScale(true);
     instance.SetConnected(true);

@@ -34,7 +34,6 @@ struct AppState {
     float PanY = 0.0F;
 
     // Fields of the main window that several parts use.
-    double PiValue = 0.0;
     int BaseWidth = 0; // twips: the window's size as start-up set it
     int BaseHeight = 0;
     std::array<int, kCameraCount> VideoWidth{};

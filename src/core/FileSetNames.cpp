@@ -30,13 +30,6 @@ std::string nameBeforeBracket(std::string_view path) {
     return std::string(path.substr(start, bracket - start));
 }
 
-void replaceAll(std::string& text, std::string_view from, std::string_view to) {
-    for (size_t at = text.find(from); at != std::string::npos;
-         at = text.find(from, at + to.size())) {
-        text.replace(at, from.size(), to);
-    }
-}
-
 // Replaces the extension at the end of the path (after its last ".", any case) by `with`.
 std::string replaceExtension(std::string_view path, std::string_view with) {
     const size_t dot = path.rfind('.');
@@ -75,9 +68,14 @@ bool isValidBaseName(std::string_view base) {
 }
 
 bool matchesCapturePattern(std::string_view fileName, std::string_view base,
-                           std::string_view extension) {
-    return fileName.size() >= base.size() + extension.size() &&
-           fileName.substr(0, base.size()) == base && endsWithAnyCase(fileName, extension);
+                           std::string_view extension, NameCase baseCase) {
+    if (fileName.size() < base.size() + extension.size()) {
+        return false;
+    }
+    const std::string_view start = fileName.substr(0, base.size());
+    const bool sameBase =
+        baseCase == NameCase::Exact ? start == base : asciiLower(start) == asciiLower(base);
+    return sameBase && endsWithAnyCase(fileName, extension);
 }
 
 bool isFileSetMember(std::string_view path) {
@@ -130,14 +128,19 @@ std::string stillStamp(int hours, int minutes, int seconds) {
 }
 
 std::string stillImageName(std::string_view source, std::string_view loadedFileType,
-                           std::string_view nickname, std::string_view stamp) {
+                           std::string_view nickname, std::string_view stamp,
+                           std::string_view dataDir) {
     std::string name(source);
     if (source.find('(') != std::string_view::npos) {
         name = fileSetMemberOf(source, nickname);
     }
     const std::string withStamp = std::string(stamp) + ".jpg";
     if (isVideoType(loadedFileType)) {
-        replaceAll(name, "/Videos", "/Images");
+        // Only our own Videos folder has an Images folder beside it; a user's ~/Videos does not.
+        const std::string videos = std::string(dataDir) + "/Videos/";
+        if (!dataDir.empty() && name.starts_with(videos)) {
+            name.replace(0, videos.size(), std::string(dataDir) + "/Images/");
+        }
         return replaceExtension(name, withStamp);
     }
     if (loadedFileType == "img") {

@@ -21,9 +21,12 @@ bool isValidBaseName(std::string_view base);
 
 // Whether a file name (no folder) is caught by the pattern base + "*" + extension used before a
 // capture overwrites: any name that merely begins with the base and ends with the extension, so
-// abc catches abcd(Cam1).avi and abc.avi. The extension is compared in any case.
+// abc catches abcd(Cam1).avi and abc.avi. The extension is compared in any case, the base as the
+// file system compares names: in any case where it ignores case (Windows, macOS), exactly
+// elsewhere.
+enum class NameCase { Exact, Ignored };
 bool matchesCapturePattern(std::string_view fileName, std::string_view base,
-                           std::string_view extension);
+                           std::string_view extension, NameCase baseCase);
 
 // A picked path opens as a Set when it holds a "(" and no "+" (folders included).
 bool isFileSetMember(std::string_view path);
@@ -48,10 +51,12 @@ std::string stillStamp(int hours, int minutes, int seconds);
 
 // The JPEG name of a still taken from `source` (a video of `loadedFileType` "avi", "wmv", "mp4",
 // "mov", "mkv", or an image, "img"). A bracketed source takes the nickname of the player the
-// still comes from in place of its own; a video's "/Videos" folder becomes "/Images"; the
-// extension gives way to the stamp and ".jpg". Empty for any other file type.
+// still comes from in place of its own; a video in the Videos folder of the data folder `dataDir`
+// has its still in the Images folder beside it, any other its still beside itself; the extension
+// gives way to the stamp and ".jpg". Empty for any other file type.
 std::string stillImageName(std::string_view source, std::string_view loadedFileType,
-                           std::string_view nickname, std::string_view stamp);
+                           std::string_view nickname, std::string_view stamp,
+                           std::string_view dataDir);
 
 // The file a save with markups reads: for a bracketed name the member of the selected player,
 // else the file itself.

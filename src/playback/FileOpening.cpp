@@ -99,8 +99,10 @@ void FileOpening::prepareOpen() {
 bool FileOpening::openPlayer(int player, const std::string& path) {
     media::PlayerInstance& instance = context_.media.play(player);
     if (const media::MediaError error = instance.PlayerOpen(qtext(path)); !error.ok()) {
-        context_.prompts.message(QStringLiteral("Error - %1").arg(error.number),
-                                 ui::MessageIcon::Critical);
+        // The number as the program has always shown it, then what a user can act on.
+        context_.prompts.message(
+            QStringLiteral("Error - %1\n%2: %3").arg(error.number).arg(qtext(path), error.text),
+            ui::MessageIcon::Critical);
         return false;
     }
     AppState& state = context_.state;
@@ -114,13 +116,11 @@ bool FileOpening::openPlayer(int player, const std::string& path) {
     const int height = fitted.height > 0 ? fitted.height : instance.view()->height();
     state.PlayerScaleX[k] = width > 0 ? static_cast<float>(size.width()) / width : 0.0F;
     state.PlayerScaleY[k] = height > 0 ? static_cast<float>(size.height()) / height : 0.0F;
-    instance.view()->setToolTip(QString());
     return true;
 }
 
 void FileOpening::closePlayer(int player) {
     context_.media.play(player).PlayerClose();
-    context_.media.play(player).view()->setToolTip(QString());
 }
 
 void FileOpening::showSinglePlayerAloneIfOnlyOne(const OpenPlan& plan) {
@@ -223,7 +223,6 @@ void FileOpening::cmdLoadVideo_Click() {
         if (!openPlayer(state.SelectedPlayer, path)) {
             return;
         }
-        context_.media.play(state.SelectedPlayer).view()->setToolTip(qtext(path));
     }
 
     resetTimeline();

@@ -34,11 +34,12 @@ void PlayerPanes::applyGeometry() {
     for (size_t i = 0; i < panes_.size(); ++i) {
         const PaneRect& pane = geometry.picPlayer[i];
         panes_[i]->setGeometry(pane.left, pane.top, pane.width, pane.height);
+        media::VideoView* view = context_.media.play(static_cast<int>(i)).view();
+        // Player i shows camera i's member of a Set, whatever file it holds.
+        view->setToolTip(QString::fromStdString(context_.settings.CamNickname[i]));
         const PaneRect& fitted = geometry.playerVideo[i];
         if (fitted.width > 0 && fitted.height > 0) {
-            context_.media.play(static_cast<int>(i))
-                .view()
-                ->setGeometry(fitted.left, fitted.top, fitted.width, fitted.height);
+            view->setGeometry(fitted.left, fitted.top, fitted.width, fitted.height);
         }
     }
 }

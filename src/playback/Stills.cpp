@@ -4,7 +4,12 @@
 #include "core/FileSetNames.h"
 #include "platform/media/MediaInstances.h"
 #include "platform/ui/Prompts.h"
+#include "platform/ui/WaitCursor.h"
 #include "platform/ui/WindowContext.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
 
 namespace ravelcue::playback {
 
@@ -24,14 +29,31 @@ std::string Stills::stillName(int player, const std::string& stamp) const {
         state.LoadedFileType == "img" ? state.CurrentImageFile : state.CurrentVideoFile;
     return names::stillImageName(source, state.LoadedFileType,
                                  context_.settings.CamNickname.at(static_cast<size_t>(player)),
-                                 stamp);
+                                 stamp, state.AppDataDir);
+}
+
+QString Stills::save(int player, const std::string& name) {
+    const QString path = QString::fromStdString(name);
+    const QString folder = QFileInfo(path).absolutePath();
+    if (!QDir().mkpath(folder)) {
+        return QStringLiteral("%1: the folder %2 can't be created").arg(path, folder);
+    }
+    const media::MediaError error = context_.media.play(player).PlayerSaveFrame(path, kJpegQuality);
+    return error.ok() ? QString() : QStringLiteral("%1: %2").arg(path, error.text);
 }
 
 void Stills::mnuCaptureImage_Click() {
     const int player = context_.state.SelectedPlayer;
     const std::string name = stillName(player, stamp());
+    QString failure;
     if (!name.empty()) {
-        context_.media.play(player).PlayerSaveFrame(QString::fromStdString(name), kJpegQuality);
+        ui::WaitCursor busy;
+        failure = save(player, name);
+    }
+    if (!failure.isEmpty()) {
+        context_.prompts.message(QStringLiteral("Save Image failed\n") + failure,
+                                 ui::MessageIcon::Exclamation);
+        return;
     }
     context_.prompts.message(QStringLiteral("Save Image complete"), ui::MessageIcon::Information);
 }
@@ -39,14 +61,26 @@ void Stills::mnuCaptureImage_Click() {
 void Stills::mnuCaptureSet_Click() {
     // One stamp for all: it is what binds the stills into a Set.
     const std::string common = stamp();
-    for (int i = 0; i < kCameraCount; ++i) {
-        if (!context_.state.PlayerEnable[static_cast<size_t>(i)]) {
-            continue;
+    QStringList failures;
+    {
+        ui::WaitCursor busy;
+        for (int i = 0; i < kCameraCount; ++i) {
+            if (!context_.state.PlayerEnable[static_cast<size_t>(i)]) {
+                continue;
+            }
+            const std::string name = stillName(i, common);
+            if (name.empty()) {
+                continue;
+            }
+            if (const QString failure = save(i, name); !failure.isEmpty()) {
+                failures << failure;
+            }
         }
-        const std::string name = stillName(i, common);
-        if (!name.empty()) {
-            context_.media.play(i).PlayerSaveFrame(QString::fromStdString(name), kJpegQuality);
-        }
+    }
+    if (!failures.isEmpty()) {
+        context_.prompts.message(QStringLiteral("Save Image Set failed\n") + failures.join('\n'),
+                                 ui::MessageIcon::Exclamation);
+        return;
     }
     context_.prompts.message(QStringLiteral("Save Image Set complete"),
                              ui::MessageIcon::Information);

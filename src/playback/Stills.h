@@ -4,6 +4,7 @@
 #include <string>
 
 #include <QObject>
+#include <QString>
 #include <QTime>
 
 namespace ravelcue::ui {
@@ -30,6 +31,9 @@ private:
     std::string stamp() const;
     // The still's name for a player, empty when the loaded file is of no known type.
     std::string stillName(int player, const std::string& stamp) const;
+    // Saves the still of a player into `name`, making its folder when missing; empty when it was
+    // written, else the file and why it was not.
+    QString save(int player, const std::string& name);
 
     ui::WindowContext& context_;
     TimeOfDay timeOfDay_;

@@ -1,5 +1,9 @@
 #include "WindowFixture.h"
+#include "core/ModeMachine.h"
 #include "platform/media/VideoView.h"
+
+#include <set>
+#include <string>
 
 #include <QDialog>
 #include <QFrame>
@@ -49,6 +53,45 @@ TEST_F(Modes, TrainingAndLiveReconnectTheEnabledCamerasWithTheirRenderMode) {
     // The live button also wipes the selected camera's marks and closes its player.
     EXPECT_TRUE(fixture.recorder.calls("cam0.SetBitmapOverlay").size() == 1);
     EXPECT_TRUE(fixture.recorder.log().contains("player0.PlayerClose()"));
+}
+
+// The mode machine names controls by text: a name the window lacks would switch nothing.
+TEST_F(Modes, EveryControlTheModeMachineNamesIsAControlOfTheWindow) {
+    struct Names final : ModeHost {
+        std::set<std::string> seen;
+        void setControlEnabled(std::string_view c, bool) override { seen.emplace(c); }
+        void setControlVisible(std::string_view c, bool) override { seen.emplace(c); }
+        void selectCameraOption(int) override {}
+        void resetSpeedList() override {}
+        void setTitle() override {}
+        void connectCam(int, int, std::string_view) override {}
+        void closePlayer(int) override {}
+        void formResize() override {}
+    } names;
+    AppState modeState;
+    AppSettings settings;
+    settings.CamEnable = {1, 1, 1, 1};
+    ModeMachine machine(modeState, settings, names);
+    for (const char* cameraView : {"SingleCamera", "QuadCamera"}) {
+        for (const char* playerView : {"SinglePlayer", "QuadPlayer"}) {
+            for (const char* type : {"avi", "img"}) {
+                for (const char* word :
+                     {"Live", "Training", "StartTraining", "StopTraining", "StartCalibrate",
+                      "StopCalibrate", "StartCaptureVideo", "StopCaptureVideo", "DeleteFiles",
+                      "LoadVideoFile", "PlayVideoFile", "LoadImageFile", "BreakSpeed",
+                      "StartCaptureAudio", "StopCaptureAudio"}) {
+                    modeState.CameraView = cameraView;
+                    modeState.PlayerView = playerView;
+                    modeState.LoadedFileType = type;
+                    machine.State(word);
+                }
+            }
+        }
+    }
+    ASSERT_GT(names.seen.size(), 30U);
+    for (const std::string& name : names.seen) {
+        EXPECT_NE(fixture.window().control(QString::fromStdString(name)), nullptr) << name;
+    }
 }
 
 TEST_F(Modes, CameraOptionsSwitchBetweenOneCameraAndAll) {

@@ -61,7 +61,8 @@ void WindowFixture::answeredUpdateQuestion(const char* answer) {
 }
 
 void WindowFixture::enableCamera(int camera, const std::string& source) {
-    store.writeText(cameraSettingName("Video Source-", camera), source);
+    store.writeText(cameraSettingName("Video Source-", camera),
+                    source.empty() ? "Demo Camera " + std::to_string(camera + 1) : source);
     store.writeText(cameraSettingName("CamEnable-", camera), "1");
 }
 

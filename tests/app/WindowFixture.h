@@ -37,8 +37,8 @@ public:
 
     // Stores the answer to the first-run question, so that start-up asks nothing.
     void answeredUpdateQuestion(const char* answer = "0");
-    // Stores a source and enables the camera.
-    void enableCamera(int camera, const std::string& source = "Demo Camera");
+    // Stores a source and enables the camera; by default the demo camera of its number.
+    void enableCamera(int camera, const std::string& source = {});
     // Enables cameras 0..3 on Demo Camera 1..4 and the Demo Microphone (the real engine's
     // devices on a machine without hardware).
     void enableDemoDevices();

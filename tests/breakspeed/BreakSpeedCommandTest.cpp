@@ -1,7 +1,9 @@
 #include "Recordings.h"
 #include "core/Version.h"
 
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <sys/wait.h>
 
 #include <gtest/gtest.h>
@@ -61,10 +63,12 @@ TEST(BreakSpeedCommand, PrintsWhatThePaneShows) {
          Results(found, "0.1000", "36.00", "21.75")},
         {oneSound, "@", 1, Results("Auto Peak Detect - 1st peak found")},
         {silence, "@", 1, Results("Auto Peak Detect - Weak audio signal")},
-        {{}, "@", 1, Results("No recording to analyse")},
+        // The right channel is silent.
+        {twoSounds, "@ --channel right", 1, Results("Auto Peak Detect - Weak audio signal")},
+        {twoSounds, "@ --channel left --no-cueball", 0, Results(found, "0.1000", "27.26", "12.48")},
     };
     for (const Case& c : cases) {
-        test::WriteWords(shot, c.words);
+        test::WriteWav(shot, c.words);
         const CommandRun run = RunCommand(c.arguments, shot);
         EXPECT_EQ(run.exitCode, c.exitCode) << c.output;
         EXPECT_EQ(run.output, c.output);
@@ -74,12 +78,26 @@ TEST(BreakSpeedCommand, PrintsWhatThePaneShows) {
 TEST(BreakSpeedCommand, BadArgumentsAndUnreadableFiles) {
     test::ScratchFolder folder;
     const auto shot = folder.file("shot.wav");
-    test::WriteWords(shot, test::Silence(2000));
+    test::WriteWav(shot, test::Silence(2000));
+    auto quoted = [&](const std::string& name, const std::string& bytes) {
+        test::WriteBytes(folder.file(name), bytes);
+        return "'" + folder.file(name).string() + "'";
+    };
+    std::string noise(64 * 1024, '\0');
+    for (size_t i = 0; i < noise.size(); ++i) {
+        noise[i] = static_cast<char>((i * 7919) ^ (i >> 3));
+    }
+    const std::string wav = test::ReadBytes(shot);
     const std::string missing = "'" + folder.file("missing.wav").string() + "'";
     for (const std::string& arguments :
          {missing, "'" + folder.path().string() + "'", std::string(),
           std::string("@ --threshold 5"), std::string("@ --threshold"),
-          std::string("@ --distance abc"), std::string("@ --loud"), std::string("@ @")}) {
+          std::string("@ --distance abc"), std::string("@ --distance 0"),
+          std::string("@ --distance -48"), std::string("@ --channel middle"),
+          std::string("@ --loud"), std::string("@ @"),
+          // Files with no sound to read: empty, random bytes, a header cut short.
+          quoted("empty.wav", ""), quoted("noise.wav", noise), quoted("cut.wav", wav.substr(0, 30)),
+          quoted("header-only.wav", wav.substr(0, 44))}) {
         const CommandRun run = RunCommand(arguments, shot);
         EXPECT_EQ(run.exitCode, 2) << arguments;
         EXPECT_EQ(run.output, "") << arguments;
@@ -90,6 +108,46 @@ TEST(BreakSpeedCommand, BadArgumentsAndUnreadableFiles) {
     const CommandRun version = RunCommand("--version");
     EXPECT_EQ(version.exitCode, 0);
     EXPECT_EQ(version.output, std::string("ravelcue-breakspeed ") + kVersionText + "\n");
+}
+
+// Recordings made elsewhere: other rates, channels, sample formats and containers, made from one
+// shot by the ffmpeg command line. Each reads the shot's speed.
+TEST(BreakSpeedCommand, ReadsAnySoundFfmpegReads) {
+    test::ScratchFolder folder;
+    // Two bursts of a 1 kHz tone 0.1 s apart, loud enough to survive any encoder.
+    AudioSamples shot = test::Silence(2 * 44100 + 22);
+    for (const int start : {22 + 2 * 20000, 22 + 2 * 24410}) {
+        for (int f = 0; f < 441; ++f) {
+            const auto level =
+                static_cast<std::int16_t>(20000 * std::sin(2 * 3.14159265358979 * f / 44.1));
+            shot.at(static_cast<size_t>(start + 2 * f)) = level;
+        }
+    }
+    const auto source = folder.file("shot.wav");
+    test::WriteWav(source, shot);
+    struct Case {
+        const char* name;
+        const char* encoding;
+    };
+    const Case cases[] = {
+        {"mono48k.wav", "-ar 48000 -ac 1 -c:a pcm_s16le"},
+        {"float.wav", "-c:a pcm_f32le"},
+        {"eight-bit.wav", "-c:a pcm_u8"},
+        {"deep.wav", "-ar 96000 -c:a pcm_s24le"},
+        {"phone.m4a", "-c:a aac -b:a 128k"},
+    };
+    for (const Case& c : cases) {
+        const auto converted = folder.file(c.name);
+        const std::string command = "ffmpeg -v error -y -i '" + source.string() + "' " +
+                                    c.encoding + " '" + converted.string() + "'";
+        ASSERT_EQ(std::system(command.c_str()), 0) << command;
+        const CommandRun run = RunCommand("@ --no-cueball", converted);
+        EXPECT_EQ(run.exitCode, 0) << c.name << "\n" << run.output;
+        const size_t at = run.output.find("speed: ");
+        ASSERT_NE(at, std::string::npos) << c.name;
+        // 48 inches in 0.1 s; a sample either way at 44.1 kHz is 0.006 mph.
+        EXPECT_NEAR(std::stod(run.output.substr(at + 7)), 27.26, 0.02) << c.name;
+    }
 }
 
 } // namespace

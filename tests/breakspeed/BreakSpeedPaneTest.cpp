@@ -174,10 +174,15 @@ TEST_F(BreakSpeedPaneTest, DistanceThatIsNoNumberTheThresholdListAndNoTone) {
     const QString speed = w.field("txtSpeed");
     auto* distance = w.fixture.find<QLineEdit>("txtDistance");
 
-    // Not a number: red, and nothing computed from it.
+    // Not a number: red, the speed of the old distance gone, and nothing for the log.
     distance->setText("4 8");
     EXPECT_EQ(distance->palette().color(QPalette::Text), QColor(Qt::red));
-    EXPECT_EQ(w.field("txtSpeed"), speed);
+    EXPECT_EQ(w.field("txtSpeed"), "0.000");
+    w.fixture.click("cmdBreakSpeedLog");
+    ASSERT_EQ(w.fixture.prompts.shown().size(), 1U);
+    EXPECT_TRUE(w.fixture.prompts.texts()[0].startsWith("The distance is not a number\n"));
+    EXPECT_EQ(w.fixture.window().findChild<breakspeed::BreakSpeedLogDialog*>(), nullptr);
+    w.fixture.prompts.clear();
     distance->setText("48");
     EXPECT_NE(distance->palette().color(QPalette::Text), QColor(Qt::red));
     EXPECT_EQ(w.field("txtSpeed").toStdString(),
@@ -201,6 +206,40 @@ TEST_F(BreakSpeedPaneTest, DistanceThatIsNoNumberTheThresholdListAndNoTone) {
     EXPECT_EQ(w.fixture.prompts.shown().back().icon, ui::MessageIcon::Information);
     EXPECT_EQ(w.field("txtDistance"), "48");
     EXPECT_EQ(w.microphone().captures(), 1);
+}
+
+// A read-only or full data folder: the old recording must not pass for a new one.
+TEST_F(BreakSpeedPaneTest, ACaptureThatWritesNothingSaysSoAndShowsNoOldResult) {
+    w.measure();
+    ASSERT_FALSE(w.field("txtSpeed").isEmpty());
+    w.microphone().refuseWrites(true);
+    w.fixture.prompts.clear();
+    w.fixture.click("cmdStartBreakSpeed");
+    ASSERT_EQ(w.fixture.prompts.texts().size(), 1);
+    const QStringList lines = w.fixture.prompts.texts()[0].split('\n');
+    EXPECT_EQ(lines[0], "Audio capture could not start");
+    EXPECT_TRUE(lines.value(1).startsWith(w.recording())) << lines.join('|').toStdString();
+    EXPECT_EQ(w.caption(), "Start Capture");
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"), "No recording to analyse");
+    for (const char* field : {"txtDeltaTime", "txtSpeed", "txtEnergy"}) {
+        EXPECT_EQ(w.field(field), "") << field;
+    }
+    // Nor does the threshold list bring the old file back.
+    auto* threshold = w.fixture.find<QComboBox>("cboThreshold");
+    threshold->setFocus();
+    QTest::keyClick(threshold, Qt::Key_Down);
+    EXPECT_EQ(w.field("txtSpeed"), "");
+
+    // A recording that ends on its own says why and is read as far as it went.
+    w.microphone().refuseWrites(false);
+    w.fixture.prompts.clear();
+    w.fixture.click("cmdStartBreakSpeed");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return w.caption() == "Stop Capture"; }, 30000));
+    emit w.microphone().captureFailed("Recording breakspeed.wav stopped: the disk is full");
+    EXPECT_EQ(w.fixture.prompts.texts(),
+              QStringList{"Recording breakspeed.wav stopped: the disk is full"});
+    EXPECT_EQ(w.caption(), "Start Capture");
+    EXPECT_EQ(w.fixture.text("lblBreakStatus"), "Auto Peak Detect - 2 peaks found");
 }
 
 // What a person sees after a measurement: both views and the status line. Under Xvfb with
@@ -263,6 +302,17 @@ TEST(BreakSpeedLogDialog, EditsReachTheFileOnlyThroughASuccessfulOK) {
     dialog->cmdCalculate_Click();
     EXPECT_EQ(prompts.texts().last(),
               "You must select 2 or more breakspeeds for calculations to be performed.");
+    // Two rows are selected, but the note has no speed: it is named, not miscounted.
+    select({1, 2});
+    dialog->cmdCalculate_Click();
+    EXPECT_EQ(prompts.texts().last(),
+              "You must select 2 or more breakspeeds for calculations to be performed.\n"
+              "The break speed of these selected rows is not a number: 3");
+    select({0, 2, 3});
+    dialog->cmdCalculate_Click();
+    EXPECT_EQ(dialog->findChild<QLabel*>("lblMean")->text(), "21.00");
+    EXPECT_EQ(prompts.texts().last(), "The break speed of these selected rows is not a number "
+                                      "and is left out of the figures: 3");
 
     // Rows apart from each other go, exactly those; Add empties the fields but the date.
     select({1, 3});

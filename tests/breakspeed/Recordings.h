@@ -2,6 +2,8 @@
 
 #include "breakspeed/AudioAnalysis.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -27,6 +29,33 @@ inline void WriteWords(const std::filesystem::path& path, const AudioSamples& sa
     std::ofstream out(path, std::ios::binary);
     out.write(reinterpret_cast<const char*>(samples.data()),
               static_cast<std::streamsize>(samples.size() * sizeof(std::int16_t)));
+}
+
+// A 44,100 Hz 16-bit stereo WAV as the program records one: its first 22 words give way to the
+// 44-byte header, so that the words keep their places in the file.
+inline void WriteWav(const std::filesystem::path& path, AudioSamples words) {
+    words.resize(std::max<size_t>(words.size(), 22), 0);
+    auto put = [&](size_t byte, std::uint32_t value, int bytes) {
+        auto* raw = reinterpret_cast<unsigned char*>(words.data());
+        for (int b = 0; b < bytes; ++b) {
+            raw[byte + static_cast<size_t>(b)] = static_cast<unsigned char>(value >> (8 * b));
+        }
+    };
+    const auto data = static_cast<std::uint32_t>((words.size() - 22) * 2);
+    put(0, 0x46464952, 4); // "RIFF"
+    put(4, 36 + data, 4);
+    put(8, 0x45564157, 4);  // "WAVE"
+    put(12, 0x20746d66, 4); // "fmt "
+    put(16, 16, 4);
+    put(20, 1, 2); // PCM
+    put(22, 2, 2);
+    put(24, 44100, 4);
+    put(28, 44100 * 4, 4);
+    put(32, 4, 2);
+    put(34, 16, 2);
+    put(36, 0x61746164, 4); // "data"
+    put(40, data, 4);
+    WriteWords(path, words);
 }
 
 inline void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {

@@ -9,11 +9,14 @@
 
 namespace ravelcue::test {
 
-bool ShotMicrophone::StartCapture() {
+media::MediaError ShotMicrophone::StartCapture() {
+    ++captures_;
+    if (refuseWrites_) {
+        return {media::media_error::WriteFailed, file_ + QStringLiteral(": Permission denied")};
+    }
     started_ = std::chrono::steady_clock::now();
     capturing_ = true;
-    ++captures_;
-    return true;
+    return {};
 }
 
 void ShotMicrophone::StopCapture() {

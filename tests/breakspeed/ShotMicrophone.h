@@ -27,11 +27,11 @@ public:
     int AudioDevice() const override { return device_; }
     bool SetConnected(bool connected) override { return connected_ = connected; }
     bool Connected() const override { return connected_; }
-    void SetVideoDevice(int) override {}
-    void SetCaptureAudio(bool) override {}
     void SetCaptureFile(const QString& path) override { file_ = path; }
     QString CaptureFile() const override { return file_; }
-    bool StartCapture() override;
+    media::MediaError StartCapture() override;
+    // Opening the file fails from now on, as in a read-only data folder; what is there stays.
+    void refuseWrites(bool refuse) { refuseWrites_ = refuse; }
     void StopCapture() override;
     bool IsCapturing() const override { return capturing_; }
     void SetPreview(bool) override {}
@@ -44,6 +44,7 @@ private:
     int device_ = 0;
     bool connected_ = false;
     bool capturing_ = false;
+    bool refuseWrites_ = false;
     int captures_ = 0;
     QString file_;
     std::chrono::steady_clock::time_point started_;

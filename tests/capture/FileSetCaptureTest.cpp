@@ -1,6 +1,8 @@
 #include "app/WindowFixture.h"
 #include "platform/media/CaptureInstance.h"
 
+#include <unistd.h>
+
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
@@ -173,11 +175,39 @@ TEST_F(FileSetCaptureTest, ExistingFilesAskBeforeTheyGo) {
               QStringList{"cam0.SetProfileIndex(1)"});
 }
 
-TEST_F(FileSetCaptureTest, AFileThatCannotBeDeletedStopsTheStart) {
+TEST_F(FileSetCaptureTest, FoldersAreLeftAloneAndHiddenFilesAsked) {
     startWindow({0});
+    // A folder caught by the pattern is no member: the capture starts and the folder stays.
     QDir(videos()).mkdir("abc(Cam1).avi");
     typeName("abc");
     fixture.click("cmdStartCapture");
+    EXPECT_EQ(fixture.prompts.texts(), QStringList());
+    EXPECT_EQ(state().CurrentState, "StartCaptureVideo");
+    EXPECT_TRUE(QFileInfo(QDir(videos()).filePath("abc(Cam1).avi")).isDir());
+    fixture.click("cmdStartCapture");
+    ASSERT_EQ(state().CurrentState, "StopCaptureVideo");
+
+    // A base starting with a point makes hidden files, and they are asked about too.
+    touch(".abc(Cam1).avi");
+    fixture.prompts.answerNext(ui::MessageAnswer::No);
+    typeName(".abc");
+    fixture.click("cmdStartCapture");
+    EXPECT_EQ(fixture.prompts.texts(),
+              QStringList{"File already exists. Do you want to overwrite the existing file?"});
+    EXPECT_TRUE(QFile::exists(QDir(videos()).filePath(".abc(Cam1).avi")));
+}
+
+TEST_F(FileSetCaptureTest, AFileThatCannotBeDeletedStopsTheStart) {
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root deletes from a read-only folder";
+    }
+    startWindow({0});
+    touch("abc(Cam1).avi");
+    QFile::setPermissions(videos(), QFile::ReadOwner | QFile::ExeOwner);
+    fixture.prompts.answerNext(ui::MessageAnswer::Yes);
+    typeName("abc");
+    fixture.click("cmdStartCapture");
+    QFile::setPermissions(videos(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     EXPECT_EQ(fixture.prompts.texts().last(), "Error deleting avi files!");
     EXPECT_EQ(fixture.prompts.shown().back().icon, ui::MessageIcon::Critical);
     EXPECT_EQ(state().CurrentState, "Live");
@@ -199,7 +229,11 @@ TEST_F(FileSetCaptureTest, AFailedCameraIsNamedAndTheOthersGoOn) {
     startWindow({0, 1, 2});
     typeName("set");
     fixture.click("cmdStartCapture");
-    EXPECT_EQ(fixture.prompts.texts(), QStringList{"Camera 2 (Cam2) could not start recording."});
+    // The message names the camera, then its file and why it failed.
+    ASSERT_EQ(fixture.prompts.texts().size(), 1);
+    EXPECT_EQ(fixture.prompts.texts()[0],
+              "Camera 2 (Cam2) could not start recording.\nCamera 2 (Cam2): Cannot create " +
+                  videos() + "/set(Cam2).avi: Permission denied");
     EXPECT_TRUE(fixture.recorder.calls("cam1.ResumeCapture").isEmpty());
     EXPECT_EQ(fixture.recorder.calls("cam2.ResumeCapture").size(), 1);
     EXPECT_EQ(button()->text(), "Stop Video Capture");
@@ -227,6 +261,30 @@ TEST_F(FileSetCaptureTest, AFullDiskStopsEveryCamera) {
     EXPECT_EQ(fixture.recorder.calls("cam0.StopCapture").size(), 1);
     EXPECT_EQ(button()->text(), "Start Video Capture");
     EXPECT_TRUE(fixture.prompts.texts().last().startsWith("The disk is full."));
+}
+
+TEST_F(FileSetCaptureTest, AFullDiskDuringTheStartStopsEveryCameraToo) {
+    startWindow({0, 1, 3});
+    typeName("long");
+    bool inTheHold = false;
+    // Runs at the first event the start serves: inside its two-second hold.
+    QTimer::singleShot(0, [&] {
+        inTheHold = fixture.recorder.calls("cam3.PauseCapture").size() == 1 &&
+                    fixture.recorder.log().filter("ResumeCapture").isEmpty();
+        emit fixture.window().media().cam(1).captureFailed(
+            {media::media_error::DiskFull, "No space left on device"});
+    });
+    fixture.click("cmdStartCapture");
+    ASSERT_TRUE(inTheHold);
+    for (int camera : {0, 1, 3}) {
+        EXPECT_EQ(fixture.recorder.calls(QStringLiteral("cam%1.StopCapture").arg(camera)).size(), 1)
+            << camera;
+    }
+    EXPECT_TRUE(fixture.recorder.log().filter("ResumeCapture").isEmpty()) << "nobody records on";
+    EXPECT_EQ(button()->text(), "Start Video Capture");
+    EXPECT_EQ(state().CurrentState, "StopCaptureVideo");
+    ASSERT_EQ(fixture.prompts.texts().size(), 1);
+    EXPECT_TRUE(fixture.prompts.texts()[0].startsWith("The disk is full."));
 }
 
 TEST_F(FileSetCaptureTest, EveryCameraFailingLeavesNothingRecording) {

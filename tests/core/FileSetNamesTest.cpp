@@ -19,12 +19,30 @@ TEST(FileSetNames, MembersAreBaseNicknameAndExtension) {
 }
 
 TEST(FileSetNames, OverwritePatternIsWiderThanTheSet) {
-    EXPECT_TRUE(matchesCapturePattern("abcd(Cam1).wmv", "abc", ".wmv"));
-    EXPECT_TRUE(matchesCapturePattern("abc.avi", "abc", ".avi"));
-    EXPECT_TRUE(matchesCapturePattern("abc(Cam2).AVI", "abc", ".avi"));
-    EXPECT_FALSE(matchesCapturePattern("abcd(Cam1).wmv", "abc", ".avi"));
-    EXPECT_FALSE(matchesCapturePattern("xabc.avi", "abc", ".avi"));
-    EXPECT_FALSE(matchesCapturePattern("ab.avi", "abc", ".avi"));
+    struct Case {
+        const char* file;
+        const char* base;
+        const char* extension;
+        bool exact;   // on a file system that tells cases apart
+        bool ignored; // on one that does not
+    };
+    const Case cases[] = {
+        {"abcd(Cam1).wmv", "abc", ".wmv", true, true},
+        {"abc.avi", "abc", ".avi", true, true},
+        {"abc(Cam2).AVI", "abc", ".avi", true, true},
+        {"abcd(Cam1).wmv", "abc", ".avi", false, false},
+        {"xabc.avi", "abc", ".avi", false, false},
+        {"ab.avi", "abc", ".avi", false, false},
+        // Where names ignore case, Match1 would write over match1's Set.
+        {"match1(Cam1).avi", "Match1", ".avi", false, true},
+        {"MATCH1(Cam1).AVI", "match1", ".avi", false, true},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(matchesCapturePattern(c.file, c.base, c.extension, NameCase::Exact), c.exact)
+            << c.file << " " << c.base;
+        EXPECT_EQ(matchesCapturePattern(c.file, c.base, c.extension, NameCase::Ignored), c.ignored)
+            << c.file << " " << c.base;
+    }
 }
 
 TEST(FileSetNames, APickedMemberBringsBackTheWholeSet) {
@@ -58,25 +76,36 @@ TEST(FileSetNames, ImageSetsAreFoundByTheirStamp) {
 TEST(FileSetNames, StillNamesTakeTheStampAndTheImagesFolder) {
     EXPECT_EQ(stillStamp(14, 5, 9), "-140509");
     EXPECT_EQ(stillStamp(0, 0, 0), "-000000");
+    const std::string data = "/home/p/.local/share/Ravelcue";
     const std::string member = std::string(kVideos) + "match1(Cam2).avi";
-    EXPECT_EQ(stillImageName(member, "avi", "Cam2", "-140509"),
-              "/home/p/.local/share/Ravelcue/Images/match1(Cam2)-140509.jpg");
-    // The nickname comes from the player the still is taken from.
-    EXPECT_EQ(stillImageName(member, "avi", "Cam4", "-140509"),
-              "/home/p/.local/share/Ravelcue/Images/match1(Cam4)-140509.jpg");
-    // A still of a still keeps its folder and replaces the old stamp.
-    EXPECT_EQ(stillImageName("/i/match1(Cam2)-140509.jpg", "img", "Cam2", "-150000"),
-              "/i/match1(Cam2)-150000.jpg");
-    EXPECT_EQ(stillImageName("/i/photo.jpg", "img", "Cam1", "-150000"), "/i/photo-150000.jpg");
-    EXPECT_EQ(stillImageName("/i/photo-150000.jpg", "img", "Cam1", "-150101"),
-              "/i/photo-150000-150101.jpg");
-    // A saved copy has a bracket, so the "+" falls away with the rest of the name.
-    EXPECT_EQ(stillImageName(std::string(kVideos) + "Break(Cam1)+.avi", "avi", "Cam1", "-090000"),
-              "/home/p/.local/share/Ravelcue/Images/Break(Cam1)-090000.jpg");
-    // A video outside the videos folder gets its still beside it; other formats work alike.
-    EXPECT_EQ(stillImageName("/clips/phone.MP4", "mp4", "Cam1", "-101010"),
-              "/clips/phone-101010.jpg");
-    EXPECT_EQ(stillImageName("/clips/x.avi", "", "Cam1", "-101010"), "");
+    struct Case {
+        std::string source, type, nickname, stamp, still;
+    };
+    const Case cases[] = {
+        {member, "avi", "Cam2", "-140509", data + "/Images/match1(Cam2)-140509.jpg"},
+        // The nickname comes from the player the still is taken from.
+        {member, "avi", "Cam4", "-140509", data + "/Images/match1(Cam4)-140509.jpg"},
+        // A still of a still keeps its folder and replaces the old stamp.
+        {"/i/match1(Cam2)-140509.jpg", "img", "Cam2", "-150000", "/i/match1(Cam2)-150000.jpg"},
+        {"/i/photo.jpg", "img", "Cam1", "-150000", "/i/photo-150000.jpg"},
+        {"/i/photo-150000.jpg", "img", "Cam1", "-150101", "/i/photo-150000-150101.jpg"},
+        // A saved copy has a bracket, so the "+" falls away with the rest of the name.
+        {std::string(kVideos) + "Break(Cam1)+.avi", "avi", "Cam1", "-090000",
+         data + "/Images/Break(Cam1)-090000.jpg"},
+        // A video outside the videos folder gets its still beside it; other formats work alike.
+        {"/clips/phone.MP4", "mp4", "Cam1", "-101010", "/clips/phone-101010.jpg"},
+        // Only the data folder's own Videos folder turns into Images: not the user's ~/Videos,
+        // nor a folder of ours that merely begins with the same letters.
+        {"/home/p/Videos/match1(Cam1).avi", "avi", "Cam1", "-101010",
+         "/home/p/Videos/match1(Cam1)-101010.jpg"},
+        {data + "/Videos/old/Videos/a.mkv", "mkv", "Cam1", "-101010",
+         data + "/Images/old/Videos/a-101010.jpg"},
+        {data + "/Videos2/a.mp4", "mp4", "Cam1", "-101010", data + "/Videos2/a-101010.jpg"},
+        {"/clips/x.avi", "", "Cam1", "-101010", ""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(stillImageName(c.source, c.type, c.nickname, c.stamp, data), c.still) << c.source;
+    }
 }
 
 TEST(FileSetNames, SavedCopiesGetAPlusBesideTheirSource) {

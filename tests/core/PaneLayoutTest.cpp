@@ -59,6 +59,11 @@ TEST_F(PaneLayoutTest, QuadPanesCloseTheirGridWhenTheWindowGrows) {
     EXPECT_EQ(geometry.fmRunEditTB.top, p[2].bottom());
     EXPECT_EQ(geometry.Slider1.top, p[2].bottom() - 35);
     EXPECT_EQ(geometry.Slider1.width, p[2].width + p[3].width);
+
+    // Halves of 903 and 643: here the even neighbour lies above, where cutting off would not go.
+    ASSERT_TRUE(FormResize(geometry, state, grownBy(103, 43)));
+    EXPECT_EQ(p[0].width, 452);
+    EXPECT_EQ(p[0].height, 322);
 }
 
 TEST_F(PaneLayoutTest, SmallWindowKeepsItsLayout) {

@@ -34,17 +34,22 @@ TEST(OpenPlan, APickedMemberFindsTheMembersOfItsSet) {
         planVideoOpen("/d/Videos/solo(Cam4).wmv", kCams, onDisk({"/d/Videos/solo(Cam4).wmv"}));
     EXPECT_EQ(one.presentCount(), 1);
     EXPECT_EQ(one.firstPresent(), 3);
+
+    // No camera's name finds a member (the cameras were renamed since): no player to take.
+    const OpenPlan none = planVideoOpen("/d/Videos/match1(Cam3).avi", {"A", "B", "C", "D"}, disk);
+    EXPECT_EQ(none.presentCount(), 0);
+    EXPECT_EQ(none.firstPresent(), -1);
 }
 
 TEST(OpenPlan, ImageSetsAreBoundByTheStampOfTheirStills) {
     // Stills of one Set taken at 14:05:09 open again as that Set, and a later still does not join.
     const std::string stamp = names::stillStamp(14, 5, 9);
     const std::string cam1 =
-        names::stillImageName("/d/Videos/match1(Cam3).avi", "avi", "Cam1", stamp);
+        names::stillImageName("/d/Videos/match1(Cam3).avi", "avi", "Cam1", stamp, "/d");
     const std::string cam3 =
-        names::stillImageName("/d/Videos/match1(Cam3).avi", "avi", "Cam3", stamp);
+        names::stillImageName("/d/Videos/match1(Cam3).avi", "avi", "Cam3", stamp, "/d");
     const std::string later = names::stillImageName("/d/Videos/match1(Cam3).avi", "avi", "Cam2",
-                                                    names::stillStamp(14, 5, 10));
+                                                    names::stillStamp(14, 5, 10), "/d");
     ASSERT_EQ(cam3, "/d/Images/match1(Cam3)-140509.jpg");
     const OpenPlan plan = planImageOpen(cam3, kCams, onDisk({cam1, cam3, later}));
     EXPECT_EQ(plan.way, OpenWay::ImageSet);

@@ -131,7 +131,10 @@ TEST(Opening, SingleFilesOneMemberSetsAndTypes) {
     EXPECT_FALSE(w.enabled("mnuPlayerSelect"));
     EXPECT_FALSE(w.enabled("mnuCaptureSet"));
     EXPECT_TRUE(w.enabled("mnuSaveVideo"));
-    EXPECT_EQ(w.player(0).view()->toolTip(), saved);
+    // Each player is named by its camera, whichever file it holds.
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(w.player(i).view()->toolTip(), QStringLiteral("Cam%1").arg(i + 1));
+    }
 
     // Phones' files and capitals: the type follows the extension; an unknown one keeps it.
     w.openVideo(w.touch(w.dataDir() + "/PHONE.MP4"));
@@ -171,7 +174,9 @@ TEST(Opening, CancelMissingSetsAndBrokenFilesLeaveWhatTheyFound) {
     w.touch(w.videos("c(Cam4).avi"));
     w.openVideo(broken);
     ASSERT_EQ(w.fixture.prompts.shown().size(), 1U);
-    EXPECT_EQ(w.fixture.prompts.shown()[0].text, "Error - 1001");
+    // The number as ever, then the file that failed and why.
+    EXPECT_EQ(w.fixture.prompts.shown()[0].text,
+              "Error - 1001\n" + broken + ": cannot open " + broken);
     EXPECT_EQ(w.fixture.prompts.shown()[0].icon, Icon::Critical);
     EXPECT_TRUE(w.player(0).IsOpen());
     EXPECT_TRUE(w.fixture.recorder.calls("player3.PlayerOpen").isEmpty());

@@ -79,6 +79,21 @@ TEST_F(Transport, PlayPauseAndStopReachEveryMemberAndKeepThePosition) {
     EXPECT_EQ(w.player(0).PlayerGetPos(), 2040);
 }
 
+// Dragging the thumb while the file plays: each tick would snap it back to the player's place.
+TEST_F(Transport, TheTimerLeavesAThumbTheUserHolds) {
+    w.fixture.click("Toolbar1_Play");
+    holdTimer();
+    w.slider().setSliderDown(true);
+    w.slider().setSliderPosition(70);
+    allAt(3040);
+    w.fixture.tick("tmrSlider");
+    EXPECT_EQ(w.slider().value(), 70);
+    w.slider().setSliderDown(false);
+    allAt(3040);
+    w.fixture.tick("tmrSlider");
+    EXPECT_EQ(w.slider().value(), 30) << "let go, it follows the player again";
+}
+
 TEST_F(Transport, StepsMoveEachPlayerFromWhereItStands) {
     w.player(1).PlayerSetFrame(10);
     w.fixture.recorder.clearLog();

@@ -74,7 +74,6 @@ public:
     void SetCaptureFrameRate(double fps) override {
         note(QStringLiteral("SetCaptureFrameRate(%1)").arg(arg(fps)));
     }
-    void SetCaptureAudio(bool a) override { note(QStringLiteral("SetCaptureAudio(%1)").arg(a)); }
     void SetRenderMode(int m) override {
         renderMode_ = m;
         note(QStringLiteral("SetRenderMode(%1)").arg(m));
@@ -95,9 +94,6 @@ public:
         note(QStringLiteral("SetPreview(%1)").arg(p));
     }
     bool Preview() const override { return preview_; }
-    void SetSetting(int n, int v) override {
-        note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v));
-    }
     void SetCaptureFile(const QString& p) override {
         file_ = p;
         note(QStringLiteral("SetCaptureFile(%1)").arg(p));
@@ -115,15 +111,13 @@ public:
     QString ProfileName(int n) const override { return behaviour_->profiles.value(n); }
     void SetProfileIndex(int n) override { note(QStringLiteral("SetProfileIndex(%1)").arg(n)); }
     int ProfileIndex() const override { return 0; }
-    bool StartCapture() override {
+    media::MediaError StartCapture() override {
         note(QStringLiteral("StartCapture()"));
-        capturing_ = !behaviour_->camerasThatFailToStart.contains(index_);
-        return capturing_;
+        return start();
     }
-    bool StartCaptureUncompressed() override {
+    media::MediaError StartCaptureUncompressed() override {
         note(QStringLiteral("StartCaptureUncompressed()"));
-        capturing_ = !behaviour_->camerasThatFailToStart.contains(index_);
-        return capturing_;
+        return start();
     }
     void PauseCapture() override { note(QStringLiteral("PauseCapture()")); }
     void ResumeCapture() override { note(QStringLiteral("ResumeCapture()")); }
@@ -133,6 +127,14 @@ public:
     }
     bool IsCapturing() const override { return capturing_; }
     media::CaptureStats GetCaptureStats() const override { return behaviour_->stats; }
+    media::MediaError start() {
+        capturing_ = !behaviour_->camerasThatFailToStart.contains(index_);
+        if (!capturing_) {
+            return {media::media_error::WriteFailed,
+                    QStringLiteral("Cannot create %1: Permission denied").arg(file_)};
+        }
+        return {};
+    }
     QByteArray FrameBytes() const override { return {}; }
     void SetBitmapOverlay(const QImage&) override { note(QStringLiteral("SetBitmapOverlay()")); }
     media::VideoView* view() const override { return view_; }
@@ -164,14 +166,6 @@ public:
         note(QStringLiteral("SetConnected(%1)").arg(c));
     }
     bool Connected() const override { return connected_; }
-    void SetVideoSize(int w, int h) override {
-        note(QStringLiteral("SetVideoSize(%1,%2)").arg(w).arg(h));
-    }
-    void SetRenderMode(int m) override { note(QStringLiteral("SetRenderMode(%1)").arg(m)); }
-    void SetCaptureAudio(bool a) override { note(QStringLiteral("SetCaptureAudio(%1)").arg(a)); }
-    void SetSetting(int n, int v) override {
-        note(QStringLiteral("SetSetting(%1,%2)").arg(n).arg(v));
-    }
     media::MediaError PlayerOpen(const QString& path) override {
         note(QStringLiteral("PlayerOpen(%1)").arg(path));
         open_ = false;
@@ -224,9 +218,12 @@ public:
     int PictureWidth() const override { return PlayerGetSize().width(); }
     int PictureHeight() const override { return PlayerGetSize().height(); }
     void SetZoomRegion(int, int, int, int) override {}
-    bool PlayerSaveFrame(const QString& path, int quality) override {
+    media::MediaError PlayerSaveFrame(const QString& path, int quality) override {
         note(QStringLiteral("PlayerSaveFrame(%1,%2)").arg(path).arg(quality));
-        return open_;
+        if (!open_) {
+            return {media::media_error::NotConnected, QStringLiteral("No file is open")};
+        }
+        return {};
     }
     void SetBitmapOverlay(const QImage& overlay) override {
         note(QStringLiteral("SetBitmapOverlay(%1x%2)").arg(overlay.width()).arg(overlay.height()));
@@ -286,16 +283,14 @@ public:
         return true;
     }
     bool Connected() const override { return connected_; }
-    void SetVideoDevice(int i) override { note(QStringLiteral("SetVideoDevice(%1)").arg(i)); }
-    void SetCaptureAudio(bool a) override { note(QStringLiteral("SetCaptureAudio(%1)").arg(a)); }
     void SetCaptureFile(const QString& p) override {
         file_ = p;
         note(QStringLiteral("SetCaptureFile(%1)").arg(p));
     }
     QString CaptureFile() const override { return file_; }
-    bool StartCapture() override {
+    media::MediaError StartCapture() override {
         note(QStringLiteral("StartCapture()"));
-        return true;
+        return {};
     }
     void StopCapture() override { note(QStringLiteral("StopCapture()")); }
     bool IsCapturing() const override { return false; }

@@ -17,7 +17,10 @@ namespace ravelcue::test {
 // of the engine and in which order. Its device lists hold the names it is given.
 class RecordingEngine final : public media::MediaEngine {
 public:
-    explicit RecordingEngine(QStringList videoDevices = {}, QStringList audioDevices = {});
+    // The devices listed are the demo devices' names unless others are given.
+    explicit RecordingEngine(QStringList videoDevices = {"Demo Camera 1", "Demo Camera 2",
+                                                         "Demo Camera 3", "Demo Camera 4"},
+                             QStringList audioDevices = {"Demo Microphone"});
     ~RecordingEngine() override;
 
     media::DeviceCatalog& devices() override;

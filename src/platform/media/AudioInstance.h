@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MediaError.h"
+
 #include <QObject>
 #include <QString>
 
@@ -18,13 +20,13 @@ public:
     // Returns false when the device cannot be opened.
     virtual bool SetConnected(bool connected) = 0;
     virtual bool Connected() const = 0;
-    virtual void SetVideoDevice(int deviceIndex) = 0;
-    virtual void SetCaptureAudio(bool captureAudio) = 0;
     virtual void SetCaptureFile(const QString& path) = 0;
     virtual QString CaptureFile() const = 0;
-    virtual bool StartCapture() = 0;
+    // On failure the error says why, naming the file.
+    virtual MediaError StartCapture() = 0;
     virtual void StopCapture() = 0;
     virtual bool IsCapturing() const = 0;
+    // Kept for Setup's level test, which turns it on; the level is measured whenever connected.
     virtual void SetPreview(bool preview) = 0;
     // 0..100, the loudest of the last quarter second.
     virtual int AudioLevel() const = 0;

@@ -31,7 +31,6 @@ public:
     virtual void SetVideoDevice(int deviceIndex) = 0;
     virtual int VideoDevice() const = 0;
     virtual void SetCaptureFrameRate(double framesPerSecond) = 0;
-    virtual void SetCaptureAudio(bool captureAudio) = 0;
     // 0 renders for speed (preview only); 1 also keeps the newest frame for FrameBytes.
     virtual void SetRenderMode(int renderMode) = 0;
     virtual int RenderMode() const = 0;
@@ -50,8 +49,6 @@ public:
     virtual bool SetDeviceControl(unsigned id, int value) = 0;
     virtual void SetPreview(bool preview) = 0;
     virtual bool Preview() const = 0;
-    // Numbered component settings (42, 45): accepted and kept, with no effect.
-    virtual void SetSetting(int number, int value) = 0;
 
     // Recording.
     virtual void SetCaptureFile(const QString& path) = 0;
@@ -64,9 +61,10 @@ public:
     virtual QString ProfileName(int n) const = 0;
     virtual void SetProfileIndex(int n) = 0;
     virtual int ProfileIndex() const = 0;
-    // Start with the compressor (AVI) or profile (WMV) chosen by the file's extension.
-    virtual bool StartCapture() = 0;
-    virtual bool StartCaptureUncompressed() = 0;
+    // Start with the compressor (AVI) or profile (WMV) chosen by the file's extension. On
+    // failure the error says why, naming the file.
+    virtual MediaError StartCapture() = 0;
+    virtual MediaError StartCaptureUncompressed() = 0;
     virtual void PauseCapture() = 0;
     virtual void ResumeCapture() = 0;
     virtual void StopCapture() = 0;

@@ -27,6 +27,7 @@ inline constexpr int DiskFull = 1006;
 inline constexpr int DeviceUnavailable = 1007;
 inline constexpr int Cancelled = 1008;
 inline constexpr int NotConnected = 1009;
+inline constexpr int Busy = 1010;
 } // namespace media_error
 
 } // namespace ravelcue::media

@@ -22,13 +22,10 @@ public:
     using QObject::QObject;
     ~PlayerInstance() override = default;
 
-    // Set-up, as the window prepares each player at start-up. None of these opens a file.
+    // Set-up, as the window prepares each player at start-up; it opens no file. A player needs
+    // no other set-up: it sizes its picture to its view and plays no sound.
     virtual void SetConnected(bool connected) = 0;
     virtual bool Connected() const = 0;
-    virtual void SetVideoSize(int width, int height) = 0;
-    virtual void SetRenderMode(int renderMode) = 0;
-    virtual void SetCaptureAudio(bool captureAudio) = 0;
-    virtual void SetSetting(int number, int value) = 0;
 
     // Opens a video or a still image, shows its first frame, rate 1.0, stopped.
     virtual MediaError PlayerOpen(const QString& path) = 0;
@@ -40,6 +37,8 @@ public:
     virtual bool IsPlaying() const = 0;
     // 0.25 to 4.0.
     virtual void PlayerSetRate(double rate) = 0;
+    // The frame on show, once a pause asked for has landed: these two may hold the calling
+    // thread up to 2 s while the player decodes to the frame it stops on.
     virtual double PlayerGetPos() const = 0;  // milliseconds of the frame on show
     virtual void PlayerSetPos(double ms) = 0; // clamped into the file; a running player goes on
     virtual double PlayerGetFrame() const = 0;
@@ -51,8 +50,9 @@ public:
     virtual int PictureHeight() const = 0;
     // The part of the picture to show enlarged; four zeros show the whole picture.
     virtual void SetZoomRegion(int x, int y, int width, int height) = 0;
-    // The frame on show, with its overlays, as a JPEG of the given quality (1..100).
-    virtual bool PlayerSaveFrame(const QString& path, int quality) = 0;
+    // The frame on show, with its overlays, as a JPEG of the given quality (1..100). Waits for a
+    // seek still under way to land, up to 30 s; on failure the error says why.
+    virtual MediaError PlayerSaveFrame(const QString& path, int quality) = 0;
 
     // Shape layer: RGB32 as large as the picture; black lets the picture through.
     virtual void SetBitmapOverlay(const QImage& overlay) = 0;

@@ -118,8 +118,13 @@ TEST(SingleFiles, BrokenFilesSayErrorAndTheWindowCarriesOn) {
         w.fixture.prompts.clear();
         w.openVideo(path);
         ASSERT_EQ(w.fixture.prompts.shown().size(), 1U);
-        EXPECT_TRUE(w.fixture.prompts.texts()[0].contains(QRegularExpression("^Error - \\d+$")))
-            << w.fixture.prompts.texts()[0].toStdString();
+        const QStringList lines = w.fixture.prompts.texts()[0].split('\n');
+        ASSERT_EQ(lines.size(), 2) << lines.join('|').toStdString();
+        EXPECT_TRUE(lines[0].contains(QRegularExpression("^Error - \\d+$")))
+            << lines[0].toStdString();
+        // The second line names the file and the cause.
+        EXPECT_TRUE(lines[1].startsWith(path + ": ")) << lines[1].toStdString();
+        EXPECT_GT(lines[1].size(), path.size() + 8) << lines[1].toStdString();
         EXPECT_EQ(w.fixture.prompts.shown()[0].icon, ui::MessageIcon::Critical);
         // Whatever the transport is asked now, it finds nothing to crash on.
         for (const char* button : {"Toolbar1_Play", "Toolbar1_StepForward", "Toolbar1_Rewind",

@@ -116,8 +116,9 @@ TEST(Capture, EveryCompressorAndProfileRecordsFrameExactFilesThatPauseHolds) {
             camera->SetCaptureFile(folder.file(recording.name));
             camera->SetCompressorIndex(recording.compressor == -2 ? 0 : recording.compressor);
             camera->SetProfileIndex(0);
-            ASSERT_TRUE(recording.compressor == -1 ? camera->StartCaptureUncompressed()
-                                                   : camera->StartCapture())
+            ASSERT_TRUE((recording.compressor == -1 ? camera->StartCaptureUncompressed()
+                                                    : camera->StartCapture())
+                            .ok())
                 << recording.name.toStdString();
             camera->PauseCapture();
             cameras.push_back(std::move(camera));
@@ -183,7 +184,7 @@ TEST(Capture, ConnectsAtAnySizeAndHandsOverLiveFramesAndOverlays) {
     EXPECT_EQ(devices.AudioDeviceName(devices.AudioDeviceCount() - 1), "Demo Microphone");
 
     auto capture = engine.engine->createCapture(0);
-    EXPECT_FALSE(capture->StartCapture());
+    EXPECT_FALSE(capture->StartCapture().ok());
     EXPECT_TRUE(capture->FrameBytes().isEmpty());
     capture->SetVideoDevice(count + 3);
     capture->SetConnected(true);
@@ -263,8 +264,8 @@ TEST(Capture, AVanishedCameraOrAFullDiskEndsOnlyItsOwnFile) {
     small.rlim_cur = kLimit;
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
     const std::int64_t startMs = engine.clockMsNow();
-    const bool started =
-        filling->StartCaptureUncompressed() && leaving->StartCapture() && staying->StartCapture();
+    const bool started = filling->StartCaptureUncompressed().ok() && leaving->StartCapture().ok() &&
+                         staying->StartCapture().ok();
     const std::int64_t startedMs = engine.clockMsNow();
     bool stayingWentOn = false;
     if (started) {

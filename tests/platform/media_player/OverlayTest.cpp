@@ -68,7 +68,7 @@ TEST_F(OverlayTest, MarkersSitOnTheirPicturePixelsInStillsOnScreenAndZoomed) {
                           Qt::yellow);
 
     const QString still = folder.file(QStringLiteral("still.jpg"));
-    ASSERT_TRUE(player.PlayerSaveFrame(still, 95));
+    ASSERT_TRUE(player.PlayerSaveFrame(still, 95).ok());
     QImageReader reader(still, "jpeg");
     const QImage saved = reader.read().convertToFormat(QImage::Format_RGB32);
     ASSERT_EQ(saved.size(), QSize(320, 180));
@@ -80,7 +80,7 @@ TEST_F(OverlayTest, MarkersSitOnTheirPicturePixelsInStillsOnScreenAndZoomed) {
 
     // A smaller quality makes a smaller file of the same picture.
     const QString rough = folder.file(QStringLiteral("rough.jpg"));
-    ASSERT_TRUE(player.PlayerSaveFrame(rough, 20));
+    ASSERT_TRUE(player.PlayerSaveFrame(rough, 20).ok());
     EXPECT_LT(QFileInfo(rough).size(), QFileInfo(still).size());
 
     // 320 x 180 in 400 x 400: 400 x 225 from row 87, 1.25 control pixels a picture pixel.

@@ -101,9 +101,13 @@ TEST(PlayerPlayback, ClosedPlayersAndPositionsOutsideTheFileAreHarmless) {
     player.PlayerStop();
     EXPECT_EQ(player.PlayerGetPos(), 0.0);
     EXPECT_EQ(player.PlayerGetFrameCount(), 0);
-    EXPECT_FALSE(player.PlayerSaveFrame(folder.file("none.jpg"), 90));
+    EXPECT_FALSE(player.PlayerSaveFrame(folder.file("none.jpg"), 90).ok());
 
     ASSERT_TRUE(player.PlayerOpen(makeClip(folder)).ok());
+    const ravelcue::media::MediaError unwritable =
+        player.PlayerSaveFrame(folder.file("none/none.jpg"), 90);
+    EXPECT_EQ(unwritable.number, ravelcue::media::media_error::WriteFailed);
+    EXPECT_FALSE(unwritable.text.isEmpty()) << "the cause goes to the user";
     player.PlayerSetFrame(-1);
     EXPECT_EQ(player.PlayerGetFrame(), 0.0);
     player.PlayerSetPos(-100);

@@ -1,14 +1,9 @@
 #include "AudioCapture.h"
 
-#include "../demo/DemoMicrophone.h"
-#include "../ffmpeg/EngineContext.h"
-#include "QtMicrophoneInput.h"
-
 #include <algorithm>
 #include <cstdlib>
 
 #include <QFileInfo>
-#include <QMediaDevices>
 #include <QMetaObject>
 
 namespace ravelcue::media {
@@ -17,8 +12,8 @@ namespace {
 constexpr auto kLevelWindow = std::chrono::milliseconds(250);
 }
 
-AudioCapture::AudioCapture(std::shared_ptr<ffmpeg::EngineContext> engine)
-    : engine_(std::move(engine)) {}
+AudioCapture::AudioCapture(MicrophoneChooser chooseInput)
+    : chooseInput_(std::move(chooseInput)) {}
 
 AudioCapture::~AudioCapture() {
     SetConnected(false);
@@ -38,22 +33,9 @@ bool AudioCapture::SetConnected(bool connected) {
     if (input_) {
         return true;
     }
-    const ffmpeg::AudioDeviceEntry* device = engine_->devices.audioDevice(device_);
-    if (device == nullptr) {
+    std::unique_ptr<MicrophoneInput> input = chooseInput_(device_);
+    if (!input) {
         return false;
-    }
-    std::unique_ptr<MicrophoneInput> input;
-    if (device->demo) {
-        input = std::make_unique<DemoMicrophoneInput>(engine_->tones);
-    } else {
-        const auto inputs = QMediaDevices::audioInputs();
-        const auto found = std::find_if(inputs.begin(), inputs.end(), [&](const QAudioDevice& d) {
-            return d.id() == device->qtDeviceId;
-        });
-        if (found == inputs.end()) {
-            return false;
-        }
-        input = std::make_unique<QtMicrophoneInput>(*found);
     }
     const bool started = input->start([this](std::int64_t firstFrame, const std::int16_t* samples,
                                              int frames) { receive(firstFrame, samples, frames); });
@@ -64,15 +46,18 @@ bool AudioCapture::SetConnected(bool connected) {
     return true;
 }
 
-bool AudioCapture::StartCapture() {
-    if (!input_ || file_.isEmpty()) {
-        return false;
+MediaError AudioCapture::StartCapture() {
+    if (!input_) {
+        return {media_error::NotConnected, QStringLiteral("The microphone is not connected")};
+    }
+    if (file_.isEmpty()) {
+        return {media_error::WriteFailed, QStringLiteral("No file to record to")};
     }
     StopCapture();
     auto wav = std::make_unique<WavFileWriter>();
     QString reason;
     if (!wav->open(file_, reason)) {
-        return false;
+        return {media_error::WriteFailed, QStringLiteral("%1: %2").arg(file_, reason)};
     }
     // The input calls receive() holding its own lock, so it is never called into while ours is
     // held.
@@ -82,10 +67,8 @@ bool AudioCapture::StartCapture() {
         wav_ = std::move(wav);
         recordFrom_ = from;
     }
-    if (input_->isDemo()) {
-        input_->recordingStarted(from, engine_->demoMicrophoneSeed + engine_->demoRecordings++);
-    }
-    return true;
+    input_->recordingStarted(from);
+    return MediaError::none();
 }
 
 void AudioCapture::StopCapture() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 namespace ravelcue::media {
 
@@ -24,14 +25,13 @@ public:
     virtual std::int64_t frameNow() const = 0;
     // Delivers at once what has been heard up to now, so a recording stopped now is complete.
     virtual void catchUp() {}
-    // A recording starts at this frame, drawing its events (the demo's breaks) from seed.
-    virtual void recordingStarted(std::int64_t firstFrame, std::uint64_t seed) {
-        (void)firstFrame;
-        (void)seed;
-    }
+    // A recording starts at this frame (the demo plays its breaks from there).
+    virtual void recordingStarted(std::int64_t firstFrame) { (void)firstFrame; }
     virtual void recordingStopped() {}
-    // Whether recordings from it draw on the engine's demo seed.
-    virtual bool isDemo() const { return false; }
 };
+
+// The running input of the device at an index of the engine's list, or nothing when there is no
+// such device or it cannot be opened. The engine decides what each index is.
+using MicrophoneChooser = std::function<std::unique_ptr<MicrophoneInput>(int deviceIndex)>;
 
 } // namespace ravelcue::media

@@ -133,8 +133,10 @@ void DemoSoundSynth::render(std::int64_t firstFrame, int frames,
     }
 }
 
-DemoMicrophoneInput::DemoMicrophoneInput(const ToneBus& tones)
-    : tones_(tones) {}
+DemoMicrophoneInput::DemoMicrophoneInput(const ToneBus& tones,
+                                         std::function<std::uint64_t()> nextSeed)
+    : tones_(tones)
+    , nextSeed_(std::move(nextSeed)) {}
 
 DemoMicrophoneInput::~DemoMicrophoneInput() {
     stop();
@@ -174,7 +176,8 @@ void DemoMicrophoneInput::catchUp() {
     deliverUpTo(frameAt(CaptureClock::now()));
 }
 
-void DemoMicrophoneInput::recordingStarted(std::int64_t firstFrame, std::uint64_t seed) {
+void DemoMicrophoneInput::recordingStarted(std::int64_t firstFrame) {
+    const std::uint64_t seed = nextSeed_();
     std::lock_guard lock(mutex_);
     synth_.setBreaks(firstFrame, seed);
 }

@@ -6,6 +6,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -68,16 +69,16 @@ private:
 // from its first sample. Frame f sounds at start + f / 44,100 s.
 class DemoMicrophoneInput final : public MicrophoneInput {
 public:
-    explicit DemoMicrophoneInput(const ToneBus& tones);
+    // Each recording draws its breaks from the next seed given.
+    DemoMicrophoneInput(const ToneBus& tones, std::function<std::uint64_t()> nextSeed);
     ~DemoMicrophoneInput() override;
 
     bool start(Sink sink) override;
     void stop() override;
     std::int64_t frameNow() const override;
     void catchUp() override;
-    void recordingStarted(std::int64_t firstFrame, std::uint64_t seed) override;
+    void recordingStarted(std::int64_t firstFrame) override;
     void recordingStopped() override;
-    bool isDemo() const override { return true; }
 
 private:
     std::int64_t frameAt(CaptureClock::Clock::time_point t) const;
@@ -86,6 +87,7 @@ private:
     void run(std::stop_token stop);
 
     const ToneBus& tones_;
+    std::function<std::uint64_t()> nextSeed_;
     CaptureClock::Clock::time_point origin_;
     mutable std::mutex mutex_;
     std::condition_variable_any wake_;

@@ -244,20 +244,24 @@ QString FfmpegCapture::ProfileName(int n) const {
     return captureProfileName(n);
 }
 
-bool FfmpegCapture::StartCapture() {
+MediaError FfmpegCapture::StartCapture() {
     if (isWmvFile(file_)) {
         return startRecording(VideoCodec::Wmv2, captureProfileBitRate(profile_));
     }
     return startRecording(captureCompressorCodec(compressor_), 0);
 }
 
-bool FfmpegCapture::StartCaptureUncompressed() {
+MediaError FfmpegCapture::StartCaptureUncompressed() {
     return startRecording(VideoCodec::RawBgr, 0);
 }
 
-bool FfmpegCapture::startRecording(VideoCodec codec, int bitRate) {
-    if (!Connected() || file_.isEmpty() || IsCapturing()) {
-        return false;
+MediaError FfmpegCapture::startRecording(VideoCodec codec, int bitRate) {
+    if (!Connected()) {
+        return {media_error::NotConnected, QStringLiteral("The camera is not connected")};
+    }
+    if (file_.isEmpty() || IsCapturing()) {
+        return {media_error::Busy, file_.isEmpty() ? QStringLiteral("No file to record to")
+                                                   : QStringLiteral("The camera is recording")};
     }
     VideoFileSettings settings;
     settings.path = file_;
@@ -282,12 +286,12 @@ bool FfmpegCapture::startRecording(VideoCodec codec, int bitRate) {
         },
         error);
     if (!recorder) {
-        return false;
+        return error;
     }
     failureReported_ = false;
     std::lock_guard lock(recorderMutex_);
     recorder_ = std::move(recorder);
-    return true;
+    return MediaError::none();
 }
 
 void FfmpegCapture::PauseCapture() {

@@ -6,7 +6,6 @@
 #include "CaptureRecorder.h"
 #include "EngineContext.h"
 
-#include <map>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -31,7 +30,6 @@ public:
     int VideoDevice() const override { return device_; }
     // Taken at the next connection.
     void SetCaptureFrameRate(double framesPerSecond) override;
-    void SetCaptureAudio(bool captureAudio) override { captureAudio_ = captureAudio; }
     void SetRenderMode(int renderMode) override;
     int RenderMode() const override { return renderMode_; }
     void SetPreviewScale(bool scaleToControl) override { previewScale_ = scaleToControl; }
@@ -43,7 +41,6 @@ public:
     bool SetDeviceControl(unsigned id, int value) override;
     void SetPreview(bool preview) override { preview_ = preview; }
     bool Preview() const override { return preview_; }
-    void SetSetting(int number, int value) override { settings_[number] = value; }
 
     void SetCaptureFile(const QString& path) override { file_ = path; }
     QString CaptureFile() const override { return file_; }
@@ -55,8 +52,8 @@ public:
     QString ProfileName(int n) const override;
     void SetProfileIndex(int n) override { profile_ = n; }
     int ProfileIndex() const override { return profile_; }
-    bool StartCapture() override;
-    bool StartCaptureUncompressed() override;
+    MediaError StartCapture() override;
+    MediaError StartCaptureUncompressed() override;
     void PauseCapture() override;
     void ResumeCapture() override;
     void StopCapture() override;
@@ -75,7 +72,7 @@ private:
     void startWorker();
     void stopWorker();
     void runWorker(std::stop_token stop, VideoSource* source);
-    bool startRecording(VideoCodec codec, int bitRate);
+    MediaError startRecording(VideoCodec codec, int bitRate);
     void sourceLost(const QString& reason);
     void recordingFailed(const MediaError& error, std::uint64_t recording);
     void reportFailure(const MediaError& error);
@@ -85,11 +82,9 @@ private:
 
     int device_ = -1;
     double frameRate_ = 30;
-    bool captureAudio_ = false;
     int renderMode_ = 0;
     bool previewScale_ = true;
     QSize requestedSize_{640, 480};
-    std::map<int, int> settings_;
     QString file_;
     int compressor_ = 0;
     int profile_ = 0;

@@ -3,6 +3,8 @@
 #include "../PlayerInstance.h"
 #include "../RecompressInstance.h"
 #include "../audio/AudioCapture.h"
+#include "../audio/QtMicrophoneInput.h"
+#include "../demo/DemoMicrophone.h"
 #include "EngineContext.h"
 #include "FfmpegCapture.h"
 #include "FfmpegPlayer.h"
@@ -12,7 +14,10 @@ extern "C" {
 #include <libavdevice/avdevice.h>
 }
 
+#include <algorithm>
 #include <random>
+
+#include <QMediaDevices>
 
 namespace ravelcue::media::ffmpeg {
 
@@ -55,7 +60,25 @@ std::unique_ptr<RecompressInstance> FfmpegEngine::createRecompress(int index) {
 }
 
 std::unique_ptr<AudioInstance> FfmpegEngine::createAudio() {
-    return std::make_unique<AudioCapture>(context_);
+    // The engine knows what each index of its list is: a sound card through Qt, or the demo
+    // microphone, whose k-th recording of this engine plays the breaks of seed + k.
+    return std::make_unique<AudioCapture>(
+        [context = context_](int index) -> std::unique_ptr<MicrophoneInput> {
+            const AudioDeviceEntry* device = context->devices.audioDevice(index);
+            if (device == nullptr) {
+                return nullptr;
+            }
+            if (device->demo) {
+                return std::make_unique<DemoMicrophoneInput>(context->tones, [context] {
+                    return context->demoMicrophoneSeed + context->demoRecordings++;
+                });
+            }
+            const auto inputs = QMediaDevices::audioInputs();
+            const auto found =
+                std::find_if(inputs.begin(), inputs.end(),
+                             [&](const QAudioDevice& d) { return d.id() == device->qtDeviceId; });
+            return found != inputs.end() ? std::make_unique<QtMicrophoneInput>(*found) : nullptr;
+        });
 }
 
 const CaptureClock& FfmpegEngine::captureClock() const {

@@ -156,20 +156,27 @@ void FfmpegPlayer::SetZoomRegion(int x, int y, int width, int height) {
     }
 }
 
-bool FfmpegPlayer::PlayerSaveFrame(const QString& path, int quality) {
-    if (!worker_ || !waitForFrame()) {
-        return false;
+MediaError FfmpegPlayer::PlayerSaveFrame(const QString& path, int quality) {
+    if (!worker_) {
+        return {media_error::NotConnected, QStringLiteral("No file is open in this player")};
+    }
+    if (!waitForFrame()) {
+        return {media_error::Busy,
+                QStringLiteral("The player did not reach the frame asked for within 30 seconds")};
     }
     QImage picture = pictureOnShow().convertToFormat(QImage::Format_RGB32);
     if (picture.isNull()) {
-        return false;
+        return {media_error::UnreadableFile, QStringLiteral("No picture is on show")};
     }
     if (view_) {
         view_->overlay().burnInto(picture);
     }
     QImageWriter writer(path, "jpeg");
     writer.setQuality(std::clamp(quality, 1, 100));
-    return writer.write(picture);
+    if (!writer.write(picture)) {
+        return {media_error::WriteFailed, writer.errorString()};
+    }
+    return MediaError::none();
 }
 
 void FfmpegPlayer::SetBitmapOverlay(const QImage& overlay) {

@@ -30,10 +30,6 @@ public:
 
     void SetConnected(bool connected) override { connected_ = connected; }
     bool Connected() const override { return connected_; }
-    void SetVideoSize(int, int) override {}
-    void SetRenderMode(int renderMode) override { renderMode_ = renderMode; }
-    void SetCaptureAudio(bool) override {}
-    void SetSetting(int, int) override {}
 
     MediaError PlayerOpen(const QString& path) override;
     void PlayerClose() override;
@@ -52,7 +48,7 @@ public:
     int PictureWidth() const override;
     int PictureHeight() const override;
     void SetZoomRegion(int x, int y, int width, int height) override;
-    bool PlayerSaveFrame(const QString& path, int quality) override;
+    MediaError PlayerSaveFrame(const QString& path, int quality) override;
     void SetBitmapOverlay(const QImage& overlay) override;
     void UpdateBitmapOverlay(const QImage& overlay, const QRect& changed) override;
     void SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
@@ -79,7 +75,6 @@ private:
     double rate_ = 1.0;
     std::uint64_t openings_ = 0;
     bool connected_ = false;
-    int renderMode_ = 0;
 
     mutable QMutex shownMutex_;
     QImage shown_;
