@@ -10,6 +10,7 @@
 #include "platform/ui/QtPrompts.h"
 #include "platform/ui/SingleInstance.h"
 #include "platform/ui/StatusPopup.h"
+#include "platform/ui/StopSignals.h"
 
 #include <cstdio>
 
@@ -94,6 +95,9 @@ int runRavelcue(int& argc, char** argv, const RunOptions& options) {
     });
     QObject::connect(&window, &MainWindow::stopped, &application, &QApplication::quit,
                      Qt::QueuedConnection);
+    // A shutdown, a logout or Ctrl+C ends the run as Exit does: recordings closed, settings kept.
+    const ui::StopSignals stopSignals;
+    QObject::connect(&stopSignals, &ui::StopSignals::stopRequested, &window, &MainWindow::ShutDown);
 
     window.Form_Load();
     window.show();

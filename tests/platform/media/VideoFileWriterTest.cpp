@@ -4,6 +4,7 @@
 #include "support/Ffprobe.h"
 #include "support/TempFolder.h"
 
+#include <filesystem>
 #include <future>
 
 #include <QColor>
@@ -139,5 +140,50 @@ TEST(VideoFileWriter, GapsKeepTimeAndWhatCannotBeWrittenIsRefused) {
         EXPECT_FALSE(VideoFileWriter::open(settings, error)) << name;
         EXPECT_FALSE(error.ok()) << name;
         EXPECT_FALSE(QFile::exists(settings.path)) << name;
+    }
+}
+
+// What a recording cut short by a crash keeps: whatever the writer had handed to the file a second
+// of video ago is on disk, without finish(). The pictures are small, so the write buffer never
+// fills on its own; and it is emptied no more than once a second, so throughput does not suffer.
+TEST(VideoFileWriter, WrittenDataReachesTheDiskWithinASecondOfVideo) {
+    constexpr int kRate = 10;
+    constexpr int kSeconds = 4;
+    const Case cases[] = {{VideoCodec::Mjpeg, "avi", "mjpeg"},
+                          {VideoCodec::H264, "avi", "h264"},
+                          {VideoCodec::Ffv1, "mkv", "ffv1"},
+                          {VideoCodec::Wmv2, "wmv", "wmv2"}};
+    TempFolder folder;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.codecName) + " in " + c.extension);
+        const VideoFileSettings settings{
+            folder.file(QStringLiteral("flush_%1.%2")
+                            .arg(QLatin1String(c.codecName), QLatin1String(c.extension))),
+            64,
+            48,
+            {kRate, 1},
+            c.codec,
+            c.codec == VideoCodec::Wmv2 ? 100'000 : 0};
+        MediaError error;
+        auto writer = VideoFileWriter::open(settings, error);
+        ASSERT_TRUE(writer) << error.text.toStdString();
+        std::vector<std::int64_t> handedOver;
+        int flushes = 0;
+        std::int64_t before = 0;
+        for (int i = 0; i < kRate * kSeconds; ++i) {
+            QImage picture(64, 48, QImage::Format_RGB32);
+            picture.fill(colourOf(i % kFrames));
+            ASSERT_TRUE(writer->write(*frameViewOf(picture), i).ok());
+            handedOver.push_back(writer->bytesWritten());
+            const auto onDisk =
+                static_cast<std::int64_t>(std::filesystem::file_size(settings.path.toStdString()));
+            // Emptied: the file grew to all that was handed over.
+            flushes += onDisk != before && onDisk == handedOver.back() ? 1 : 0;
+            before = onDisk;
+            if (i >= kRate) {
+                EXPECT_GE(onDisk, handedOver[static_cast<size_t>(i - kRate)]) << "frame " << i;
+            }
+        }
+        EXPECT_LE(flushes, kSeconds) << "the buffer is emptied more than once a second";
     }
 }

@@ -2,6 +2,7 @@
 
 #include "ImageFrames.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 
@@ -189,7 +190,11 @@ public:
         }
         lastIndex_ = frameIndex;
         ++framesWritten_;
-        return drain();
+        const MediaError drained = drain();
+        if (drained.ok()) {
+            flushEverySecond(frameIndex);
+        }
+        return drained;
     }
 
     MediaError finish() override {
@@ -309,6 +314,24 @@ private:
         }
     }
 
+    // Hands what the muxer holds in its write buffer to the system once a second of video (a
+    // recording's frame numbers follow its capture time), so that a recording cut short by a
+    // crash loses no more than that second. The first frame goes out at once. Emptying it more
+    // often would only cost throughput.
+    void flushEverySecond(std::int64_t frameIndex) {
+        if (format_->pb == nullptr) {
+            return;
+        }
+        if (frameIndex >= nextFlushIndex_) {
+            avio_flush(format_->pb);
+            nextFlushIndex_ = frameIndex + framesPerSecond();
+        }
+    }
+
+    std::int64_t framesPerSecond() const {
+        return std::max<std::int64_t>(1, std::llround(av_q2d(settings_.frameRate)));
+    }
+
     MediaError remember(const MediaError& error) {
         lastError_ = error;
         return error;
@@ -322,6 +345,7 @@ private:
     FramePtr converted_;
     PacketPtr packet_;
     std::int64_t lastIndex_ = -1;
+    std::int64_t nextFlushIndex_ = 0;
     std::int64_t framesWritten_ = 0;
     bool created_ = false;
     bool headerWritten_ = false;
