@@ -29,7 +29,6 @@ namespace {
 
 using namespace ravelcue::training;
 
-const double kPiValue = 4.0 * std::atan(1.0);
 constexpr std::int64_t kClockMs = 5000; // the wrist well to one side
 
 const QByteArray& DemoFrame() {

@@ -1,6 +1,6 @@
 #include "CameraMarkers.h"
 
-#include "MarkerStore.h"
+#include "MarkerShape.h"
 #include "core/AppSettings.h"
 #include "platform/media/LiveFrame.h"
 #include "platform/media/MediaInstances.h"
@@ -29,11 +29,6 @@ QImage blackLayer(QSize size) {
     QImage layer(size, QImage::Format_RGB32);
     layer.fill(Qt::black);
     return layer;
-}
-
-// A colour number with red in the low byte.
-QColor colourOf(std::int32_t number) {
-    return {number & 0xFF, (number >> 8) & 0xFF, (number >> 16) & 0xFF};
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "TargetSearch.h"
 
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,6 +13,10 @@ namespace ravelcue::training {
 // lngTrainingType: the kind of run chosen at its start.
 inline constexpr int kVerticalTraining = 2;      // seen from the butt end: wrist under elbow
 inline constexpr int kPerpendicularTraining = 3; // seen from the side: a right angle at the wrist
+
+// Pi as the program has always worked it out, 4 x arctangent(1), for turning the angle at the
+// second target into degrees.
+inline const double kPiValue = 4.0 * std::atan(1.0);
 
 // The entries of cboAlarmType by index.
 enum class AlarmType { Voice = 0, BeepOnly = 1, NoSound = 2 };

@@ -135,8 +135,8 @@ void TrainingRun::tmrTraining_Timer() {
     const LiveFrameView frame(
         {reinterpret_cast<const unsigned char*>(bytes.constData()), size_t(bytes.size())});
     const auto alarmType = static_cast<AlarmType>(frame_.cboAlarmType()->currentIndex());
-    const TickOutcome tick = TrainingTick(frame, calibration_.target(), lngTrainingType, alarmType,
-                                          context_.state.PiValue);
+    const TickOutcome tick =
+        TrainingTick(frame, calibration_.target(), lngTrainingType, alarmType, kPiValue);
     for (const Mark& mark : tick.marks) {
         markers_.DrawMarker(camera, markers_.camOverlay(cam), true,
                             {mark.shape, mark.x1, mark.y1, mark.x2, mark.y2});

@@ -9,8 +9,6 @@
 namespace ravelcue::training::test {
 namespace {
 
-const double kPiValue = 4.0 * std::atan(1.0);
-
 constexpr auto Voice = AlarmType::Voice;
 constexpr auto Beep = AlarmType::BeepOnly;
 constexpr auto Silent = AlarmType::NoSound;

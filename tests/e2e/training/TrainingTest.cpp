@@ -110,8 +110,7 @@ protected:
         const training::LiveFrameView frame(
             {reinterpret_cast<const unsigned char*>(bytes.constData()), size_t(bytes.size())});
         return training::TrainingTick(frame, training().calibration().target(), trainingType,
-                                      training::AlarmType::NoSound,
-                                      fixture.window().state().PiValue);
+                                      training::AlarmType::NoSound, training::kPiValue);
     }
 
     // The alarm the rule gives for the pose drawn at a moment of the camera's clock.
