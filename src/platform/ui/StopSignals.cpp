@@ -41,7 +41,8 @@ bool setHandler(int signalNumber, void (*handler)(int)) {
 
 } // namespace
 
-StopSignals::StopSignals(QObject* parent) : QObject(parent) {
+StopSignals::StopSignals(QObject* parent)
+    : QObject(parent) {
     if (signalFds[0] != -1 || ::socketpair(AF_UNIX, SOCK_STREAM, 0, signalFds) != 0) {
         return;
     }
@@ -78,7 +79,8 @@ void StopSignals::readSignals() {
 
 #else
 
-StopSignals::StopSignals(QObject* parent) : QObject(parent) {}
+StopSignals::StopSignals(QObject* parent)
+    : QObject(parent) {}
 StopSignals::~StopSignals() = default;
 void StopSignals::readSignals() {}
 
