@@ -196,6 +196,7 @@ bool FileSetCapture::startAndHold(int camera, const EncoderChoice& encoder) {
         started = instance.StartCaptureUncompressed();
     } else {
         instance.SetCompressorIndex(encoder.index);
+        instance.SetCodecSettings(context_.settings.Codec);
         started = instance.StartCapture();
     }
     if (started) {
