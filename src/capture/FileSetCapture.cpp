@@ -204,6 +204,7 @@ media::MediaError FileSetCapture::startAndHold(int camera, const EncoderChoice& 
         error = instance.StartCaptureUncompressed();
     } else {
         instance.SetCompressorIndex(encoder.index);
+        instance.SetCodecSettings(context_.settings.Codec);
         error = instance.StartCapture();
     }
     if (error.ok()) {

@@ -22,6 +22,35 @@ std::int32_t readInt32(const SettingsStore& store, std::string_view name,
                                          .value_or(defaultValue));
 }
 
+// A whole number within [low, high]; anything else takes the default.
+int readRanged(const SettingsStore& store, std::string_view name, int defaultValue, int low,
+               int high) {
+    const std::string text = RegistryRead(store, name, std::to_string(defaultValue));
+    return static_cast<int>(parseInteger(text, low, high).value_or(defaultValue));
+}
+
+CodecSettings readCodecSettings(const SettingsStore& store) {
+    const CodecSettings d;
+    CodecSettings c;
+    c.MjpegQuality =
+        readRanged(store, "Mjpeg Quality", d.MjpegQuality, kMinMjpegQuality, kMaxMjpegQuality);
+    c.H264BitRate = readRanged(store, "H264 Bit Rate", d.H264BitRate, 0, kMaxBitRateKbps);
+    c.H264KeyFrameInterval = readRanged(store, "H264 Key Frame Interval", d.H264KeyFrameInterval, 0,
+                                        kMaxKeyFrameInterval);
+    c.Mpeg4BitRate = readRanged(store, "Mpeg4 Bit Rate", d.Mpeg4BitRate, 0, kMaxBitRateKbps);
+    c.Mpeg4KeyFrameInterval = readRanged(store, "Mpeg4 Key Frame Interval", d.Mpeg4KeyFrameInterval,
+                                         0, kMaxKeyFrameInterval);
+    return c;
+}
+
+void writeCodecSettings(SettingsStore& store, const CodecSettings& c) {
+    RegistryWrite(store, "Mjpeg Quality", std::to_string(c.MjpegQuality));
+    RegistryWrite(store, "H264 Bit Rate", std::to_string(c.H264BitRate));
+    RegistryWrite(store, "H264 Key Frame Interval", std::to_string(c.H264KeyFrameInterval));
+    RegistryWrite(store, "Mpeg4 Bit Rate", std::to_string(c.Mpeg4BitRate));
+    RegistryWrite(store, "Mpeg4 Key Frame Interval", std::to_string(c.Mpeg4KeyFrameInterval));
+}
+
 float readFloat(const SettingsStore& store, std::string_view name, float defaultValue) {
     const std::string text = RegistryRead(store, name, floatText(defaultValue));
     const std::optional<double> number = parseNumber(text);
@@ -50,6 +79,7 @@ AppSettings LoadSettings(const SettingsStore& store) {
     s.AviCodec = RegistryRead(store, "Avi Codec", defaults.AviCodec);
     s.WmvProfile = RegistryRead(store, "Wmv Profile", defaults.WmvProfile);
     s.CaptureType = RegistryRead(store, "Capture Type", defaults.CaptureType);
+    s.Codec = readCodecSettings(store);
     for (int i = 0; i < kCameraCount; ++i) {
         const auto k = static_cast<size_t>(i);
         s.VideoSource[k] = RegistryRead(store, cameraSettingName("Video Source-", i), "");
@@ -77,6 +107,7 @@ void SaveSettings(SettingsStore& store, const AppSettings& s, std::string_view u
     RegistryWrite(store, "Avi Codec", s.AviCodec);
     RegistryWrite(store, "Wmv Profile", s.WmvProfile);
     RegistryWrite(store, "Capture Type", s.CaptureType);
+    writeCodecSettings(store, s.Codec);
     for (int i = 0; i < kCameraCount; ++i) {
         const auto k = static_cast<size_t>(i);
         RegistryWrite(store, cameraSettingName("Video Source-", i), s.VideoSource[k]);

@@ -13,6 +13,23 @@ class SettingsStore;
 inline constexpr const char* kDefaultWmvProfile = "Video for broadband NTSC (1500 Kbps total)";
 inline constexpr const char* kCheckForUpdateSetting = "Startup CheckForUpdate Enable";
 
+// The compressors' own settings for AVI captures. Zero keeps the encoder's own choice: a key
+// frame every second and, without a bit rate, a fixed quality.
+struct CodecSettings {
+    int MjpegQuality = 28;        // 1 (smallest files) to 31 (best pictures)
+    int H264BitRate = 0;          // kbit/s
+    int H264KeyFrameInterval = 0; // frames
+    int Mpeg4BitRate = 0;         // kbit/s
+    int Mpeg4KeyFrameInterval = 0;
+
+    bool operator==(const CodecSettings&) const = default;
+};
+
+inline constexpr int kMinMjpegQuality = 1;
+inline constexpr int kMaxMjpegQuality = 31;
+inline constexpr int kMaxBitRateKbps = 100'000;
+inline constexpr int kMaxKeyFrameInterval = 600;
+
 // The persisted settings, loaded once at start-up and changed by the Setup dialog.
 struct AppSettings {
     int Units = 0;          // 0 inches and mph, 1 centimetres and kph
@@ -24,6 +41,7 @@ struct AppSettings {
     std::string AviCodec = "None";
     std::string WmvProfile = kDefaultWmvProfile;
     std::string CaptureType = "AVI";
+    CodecSettings Codec;
     std::array<std::string, kCameraCount> VideoSource{};
     std::array<int, kCameraCount> VideoDeviceIndex{0, 1, 2, 3};
     std::array<std::string, kCameraCount> VideoSize{"640x480", "640x480", "640x480", "640x480"};

@@ -1,5 +1,6 @@
 #include "SetupDialog.h"
 
+#include "CodecSettingsDialog.h"
 #include "FormatSettingsDialog.h"
 #include "SourceSettingsDialog.h"
 #include "core/NumberFormat.h"
@@ -235,9 +236,12 @@ void SetupDialog::buildVideoFrame() {
     });
     connect(cmdVideoCompression_, &QPushButton::clicked, this,
             &SetupDialog::cmdVideoCompression_Click);
-    // Only "None" has nothing to set so far; the compressors' own settings are not offered yet.
-    connect(cboAviCodecs_, &QComboBox::currentIndexChanged, this,
-            [this](int entry) { cmdVideoCompression_->setEnabled(entry == 0); });
+    // The lossless compressors have nothing to set.
+    connect(cboAviCodecs_, &QComboBox::currentIndexChanged, this, [this] {
+        cmdVideoCompression_->setEnabled(
+            codecSettingsKind(cboAviCodecs_->currentText().toStdString()) !=
+            CodecSettingsKind::Nothing);
+    });
     layout()->addWidget(video);
 }
 
@@ -346,6 +350,7 @@ void SetupDialog::load() {
 
 void SetupDialog::showForm(const SetupLoad& loaded) {
     loaded_ = loaded.form;
+    codec_ = loaded_.codec;
     const SetupForm& f = loaded.form;
     showMarkerColor(f.markerColor);
     chkUnits_->setChecked(f.metricUnits);
@@ -424,6 +429,7 @@ SetupForm SetupDialog::readForm() const {
     }
     f.aviCapture = optEnableAVI_->isChecked();
     f.codecSelection = cboAviCodecs_->currentIndex();
+    f.codec = codec_;
     f.profileSelection = cboWmvProfiles_->currentIndex();
     f.audioSelection = cboAudioSource_->currentIndex();
     return f;
@@ -540,9 +546,21 @@ void SetupDialog::cboVideoSource_Click() {
 }
 
 void SetupDialog::cmdVideoCompression_Click() {
-    if (cboAviCodecs_->currentIndex() == 0) {
+    const QString compressor = cboAviCodecs_->currentText();
+    switch (codecSettingsKind(compressor.toStdString())) {
+    case CodecSettingsKind::NoCodec:
         services_.prompts.message(QStringLiteral("No codec set"), ui::MessageIcon::Information);
+        return;
+    case CodecSettingsKind::Nothing:
+        return;
+    default:
+        break;
     }
+    auto* dialog = new CodecSettingsDialog(compressor, codec_, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &CodecSettingsDialog::settingsChosen, this,
+            [this](const CodecSettings& settings) { codec_ = settings; });
+    dialog->open();
 }
 
 void SetupDialog::cmdMarkerColor_Click() {

@@ -106,6 +106,7 @@ private:
     std::array<std::unique_ptr<media::CaptureInstance>, kCameraCount> previews_;
     std::unique_ptr<media::AudioInstance> audio_;
     SetupForm loaded_;
+    CodecSettings codec_; // as "Codec Settings" left them, stored at OK
     std::int32_t markerColor_ = 65280;
     bool setupLoaded_ = false;
     bool released_ = false;

@@ -68,6 +68,7 @@ SetupLoad loadSetupForm(const AppSettings& settings, const std::optional<std::st
     SetupLoad load;
     SetupForm& form = load.form;
     form.markerColor = settings.MarkerColor;
+    form.codec = settings.Codec;
     form.metricUnits = settings.Units == 1;
     form.subtractCueball = settings.Cueball == 1;
     form.defaultDistance = settings.EnableDistance == 1;
@@ -120,6 +121,19 @@ CleanNickname cleanNickname(std::string_view typed) {
     return clean;
 }
 
+CodecSettingsKind codecSettingsKind(std::string_view entry) {
+    if (entry == "None") {
+        return CodecSettingsKind::NoCodec;
+    }
+    if (entry == "MJPEG") {
+        return CodecSettingsKind::Quality;
+    }
+    if (entry == "H.264" || entry == "MPEG-4 Visual") {
+        return CodecSettingsKind::BitRateAndKeyFrames;
+    }
+    return CodecSettingsKind::Nothing;
+}
+
 SetupAcceptance acceptSetupForm(const SetupForm& form, const AppSettings& inForce) {
     const std::optional<double> distance = parseNumber(form.distanceText);
     if (!distance) {
@@ -135,6 +149,7 @@ SetupAcceptance acceptSetupForm(const SetupForm& form, const AppSettings& inForc
     if (form.widthEntry >= 0) {
         s.MarkerWidth = form.widthEntry + 1;
     }
+    s.Codec = form.codec;
     // A list the load never filled, or one left without a choice, keeps what is stored.
     if (const std::string codec = selectedText(form.codecEntries, form.codecSelection);
         !codec.empty()) {

@@ -34,6 +34,7 @@ struct SetupForm {
     std::vector<std::string> codecEntries; // cboAviCodecs: "None" and the compressors
     int codecSelection = -1;
     bool codecsFilled = false;
+    CodecSettings codec;                     // the compressors' own settings
     std::vector<std::string> profileEntries; // cboWmvProfiles
     int profileSelection = -1;
     bool profilesFilled = false;
@@ -67,6 +68,10 @@ struct SetupLoad {
     std::vector<SetupMessage> messages;
     bool stopped = false;
 };
+
+// What "Codec Settings" offers for a cboAviCodecs entry.
+enum class CodecSettingsKind { NoCodec, Quality, BitRateAndKeyFrames, Nothing };
+CodecSettingsKind codecSettingsKind(std::string_view entry);
 
 // At most this many devices are offered in each camera row.
 inline constexpr int kMaxVideoEntries = 4;

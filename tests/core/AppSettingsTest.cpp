@@ -94,6 +94,45 @@ TEST(AppSettings, HandEditedAndOddValuesFallBackOneByOne) {
     EXPECT_EQ(s.EnableDistance, 0) << "values after a bad one still load";
 }
 
+TEST(AppSettings, CodecSettingsRoundTripAndBadValuesFallBackEachToItsDefault) {
+    AppSettings s;
+    s.Codec = {5, 2500, 12, 800, 250};
+    MemorySettingsStore store;
+    SaveSettings(store, s, "0");
+    EXPECT_EQ(store.values().at("Mjpeg Quality"), "5");
+    EXPECT_EQ(store.values().at("H264 Key Frame Interval"), "12");
+    EXPECT_EQ(LoadSettings(store).Codec, s.Codec);
+
+    const CodecSettings defaults;
+    struct Case {
+        const char* name;
+        const char* text;
+    };
+    for (const Case& c :
+         {Case{"Mjpeg Quality", "high"}, Case{"Mjpeg Quality", "0"}, Case{"Mjpeg Quality", "32"},
+          Case{"H264 Bit Rate", "2.5M"}, Case{"H264 Bit Rate", "-1"},
+          Case{"H264 Key Frame Interval", ""}, Case{"Mpeg4 Bit Rate", "999999999999"},
+          Case{"Mpeg4 Key Frame Interval", "601"}}) {
+        MemorySettingsStore bad;
+        SaveSettings(bad, s, "0");
+        bad.writeText(c.name, c.text);
+        CodecSettings wanted = s.Codec;
+        const std::string name = c.name;
+        if (name == "Mjpeg Quality") {
+            wanted.MjpegQuality = defaults.MjpegQuality;
+        } else if (name == "H264 Bit Rate") {
+            wanted.H264BitRate = defaults.H264BitRate;
+        } else if (name == "H264 Key Frame Interval") {
+            wanted.H264KeyFrameInterval = defaults.H264KeyFrameInterval;
+        } else if (name == "Mpeg4 Bit Rate") {
+            wanted.Mpeg4BitRate = defaults.Mpeg4BitRate;
+        } else {
+            wanted.Mpeg4KeyFrameInterval = defaults.Mpeg4KeyFrameInterval;
+        }
+        EXPECT_EQ(LoadSettings(bad).Codec, wanted) << c.name << " = \"" << c.text << '"';
+    }
+}
+
 TEST(VideoSize, AnyNumberOfDigitsOnEachSide) {
     EXPECT_EQ(parseVideoSize("640x480"), (VideoSizeValue{640, 480}));
     EXPECT_EQ(parseVideoSize("1280x720"), (VideoSizeValue{1280, 720}));

@@ -94,23 +94,46 @@ bool forEachFrame(const QString& path, QSize size,
            pending.isEmpty();
 }
 
-std::vector<double> framePtsSeconds(const QString& path) {
+namespace {
+
+// One value a line for every frame or packet of the first video stream, in file order.
+std::vector<QByteArray> streamEntries(const QString& path, const QString& entry) {
     QProcess ffprobe;
     ffprobe.start(QStringLiteral("ffprobe"),
                   {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
-                   QStringLiteral("v:0"), QStringLiteral("-show_entries"),
-                   QStringLiteral("frame=pts_time"), QStringLiteral("-of"),
-                   QStringLiteral("csv=p=0"), path});
-    std::vector<double> times;
+                   QStringLiteral("v:0"), QStringLiteral("-show_entries"), entry,
+                   QStringLiteral("-of"), QStringLiteral("csv=p=0"), path});
+    std::vector<QByteArray> values;
     if (!ffprobe.waitForFinished(-1) || ffprobe.exitCode() != 0) {
-        return times;
+        return values;
     }
     for (const QByteArray& line : ffprobe.readAllStandardOutput().split('\n')) {
         if (!line.trimmed().isEmpty()) {
-            times.push_back(line.trimmed().toDouble());
+            values.push_back(line.trimmed());
         }
     }
+    return values;
+}
+
+} // namespace
+
+std::vector<double> framePtsSeconds(const QString& path) {
+    std::vector<double> times;
+    for (const QByteArray& value : streamEntries(path, QStringLiteral("frame=pts_time"))) {
+        times.push_back(value.toDouble());
+    }
     return times;
+}
+
+std::vector<int> keyFrameIndices(const QString& path) {
+    std::vector<int> keys;
+    const std::vector<QByteArray> flags = streamEntries(path, QStringLiteral("packet=flags"));
+    for (size_t i = 0; i < flags.size(); ++i) {
+        if (flags[i].startsWith('K')) {
+            keys.push_back(static_cast<int>(i));
+        }
+    }
+    return keys;
 }
 
 } // namespace ravelcue::test

@@ -31,5 +31,7 @@ bool forEachFrame(const QString& path, QSize size,
 
 // The presentation time of every frame of the first video stream, in seconds, in file order.
 std::vector<double> framePtsSeconds(const QString& path);
+// The places of the key frames among the first video stream's packets, in file order.
+std::vector<int> keyFrameIndices(const QString& path);
 
 } // namespace ravelcue::test

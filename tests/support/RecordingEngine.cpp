@@ -103,6 +103,14 @@ public:
         return static_cast<int>(behaviour_->compressors.size());
     }
     QString CompressorName(int n) const override { return behaviour_->compressors.value(n); }
+    void SetCodecSettings(const CodecSettings& s) override {
+        note(QStringLiteral("SetCodecSettings(%1,%2,%3,%4,%5)")
+                 .arg(s.MjpegQuality)
+                 .arg(s.H264BitRate)
+                 .arg(s.H264KeyFrameInterval)
+                 .arg(s.Mpeg4BitRate)
+                 .arg(s.Mpeg4KeyFrameInterval));
+    }
     void SetCompressorIndex(int n) override {
         note(QStringLiteral("SetCompressorIndex(%1)").arg(n));
     }

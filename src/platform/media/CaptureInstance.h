@@ -4,6 +4,7 @@
 #include "DeviceControl.h"
 #include "MediaError.h"
 #include "VideoMode.h"
+#include "core/AppSettings.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -12,6 +13,8 @@
 #include <QString>
 
 namespace ravelcue::media {
+
+using ravelcue::CodecSettings;
 
 class VideoView;
 
@@ -57,6 +60,8 @@ public:
     virtual QString CompressorName(int n) const = 0;
     virtual void SetCompressorIndex(int n) = 0;
     virtual int CompressorIndex() const = 0;
+    // The compressors' own settings, used by every later StartCapture with a compressor.
+    virtual void SetCodecSettings(const CodecSettings& settings) = 0;
     virtual int ProfileCount() const = 0;
     virtual QString ProfileName(int n) const = 0;
     virtual void SetProfileIndex(int n) = 0;

@@ -21,6 +21,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
+#include <QSpinBox>
 #include <QTextBrowser>
 
 #include <gtest/gtest.h>
@@ -152,6 +153,11 @@ TEST_F(SetupWindow, OkStoresTheChoicesAndTheMainWindowFollows) {
              {"Avi Codec", "None"},
              {"Wmv Profile", kDefaultWmvProfile},
              {"Capture Type", "AVI"},
+             {"Mjpeg Quality", "28"},
+             {"H264 Bit Rate", "0"},
+             {"H264 Key Frame Interval", "0"},
+             {"Mpeg4 Bit Rate", "0"},
+             {"Mpeg4 Key Frame Interval", "0"},
              {"Video Source-1", lastSource},
              {"Video Device Index-1", std::to_string(last)},
              {"CamEnable-1", "1"},
@@ -180,6 +186,26 @@ TEST_F(SetupWindow, OkStoresTheChoicesAndTheMainWindowFollows) {
         EXPECT_TRUE(cam(i).Connected()) << i;
     }
     EXPECT_EQ(cam(1).VideoDevice(), last);
+}
+
+TEST_F(SetupWindow, CodecSettingsAreOfferedWhereTheyMeanSomethingAndStoredAtOk) {
+    setup::SetupDialog& setup = open();
+    auto* codecs = in<QComboBox>("cboAviCodecs");
+    for (const auto& [entry, enabled] : {std::pair{"FFV1 (lossless)", false},
+                                         std::pair{"H.264", true}, std::pair{"MJPEG", true}}) {
+        codecs->setCurrentText(entry);
+        EXPECT_EQ(in<QPushButton>("cmdVideoCompression")->isEnabled(), enabled) << entry;
+    }
+    press("cmdVideoCompression");
+    auto* quality = setup.findChild<QSpinBox*>("spnQuality");
+    ASSERT_NE(quality, nullptr);
+    EXPECT_EQ(quality->value(), 28);
+    quality->setValue(10);
+    quality->parentWidget()->findChild<QPushButton*>("cmdOK")->click();
+    QCoreApplication::processEvents();
+    press("cmdOK");
+    EXPECT_EQ(fixture.store.values().at("Mjpeg Quality"), "10");
+    EXPECT_EQ(fixture.store.values().at("Avi Codec"), "MJPEG");
 }
 
 TEST_F(SetupWindow, AFormatChosenFromTheModesIsShownStoredAndUsedLiveAndInARecording) {

@@ -14,6 +14,7 @@
 #include <sys/resource.h>
 #endif
 
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -171,6 +172,76 @@ TEST(Capture, EveryCompressorAndProfileRecordsFrameExactFilesThatPauseHolds) {
             EXPECT_LE(*latest - *earliest, 34u);
         }
     }
+}
+
+TEST(Capture, TheStoredCodecSettingsReachEveryRecordingsEncoder) {
+    struct Case {
+        QString name;
+        int compressor;
+        CodecSettings codec;
+    };
+    CodecSettings low;
+    low.MjpegQuality = 4;
+    CodecSettings high;
+    high.MjpegQuality = 31;
+    CodecSettings h264;
+    h264.H264BitRate = 150;
+    h264.H264KeyFrameInterval = 12;
+    h264.MjpegQuality = 4; // belongs to another compressor: must not matter here
+    CodecSettings mpeg4;
+    mpeg4.Mpeg4KeyFrameInterval = 7;
+    const std::vector<Case> cases = {
+        {"low.avi", 0, low}, {"high.avi", 0, high}, {"h264.avi", 1, h264}, {"mpeg4.avi", 2, mpeg4}};
+    TempFolder folder;
+    TestEngine engine;
+    std::vector<std::unique_ptr<CaptureInstance>> cameras;
+    for (size_t i = 0; i < cases.size(); ++i) {
+        auto camera = engine.demoCamera(int(i) + 1, kSweepSize.width(), kSweepSize.height());
+        ASSERT_TRUE(camera->Connected());
+        camera->SetCaptureFile(folder.file(cases[i].name));
+        camera->SetCompressorIndex(cases[i].compressor);
+        camera->SetCodecSettings(cases[i].codec);
+        ASSERT_TRUE(camera->StartCapture());
+        cameras.push_back(std::move(camera));
+    }
+    // Settings changed after the start belong to the next recording.
+    cameras[2]->SetCodecSettings(CodecSettings{});
+    QTest::qWait(2500);
+    std::vector<CaptureStats> stats;
+    for (auto& camera : cameras) {
+        camera->StopCapture();
+        stats.push_back(camera->GetCaptureStats());
+    }
+    auto bytesPerFrame = [&](size_t i) {
+        return double(QFileInfo(folder.file(cases[i].name)).size()) /
+               std::max<std::int64_t>(1, stats[i].framesWritten);
+    };
+    EXPECT_GT(bytesPerFrame(1), 2 * bytesPerFrame(0)) << "the better MJPEG quality, the bigger";
+
+    const test::VideoProbe probe = test::probeVideo(folder.file("h264.avi"));
+    ASSERT_TRUE(probe.ok);
+    EXPECT_EQ(probe.codecName, "h264");
+    const double kbps =
+        8 * QFileInfo(folder.file("h264.avi")).size() / probe.durationSeconds / 1000;
+    EXPECT_GT(kbps, 150 * 0.5);
+    EXPECT_LT(kbps, 150 * 1.6);
+
+    // Key frames where asked for; every second (30 frames) for the recording on the defaults.
+    for (const auto& [index, interval] : {std::pair{size_t(2), 12}, std::pair{size_t(3), 7}}) {
+        const std::vector<int> keys = test::keyFrameIndices(folder.file(cases[index].name));
+        SCOPED_TRACE(cases[index].name.toStdString());
+        ASSERT_GE(keys.size(), 3u);
+        for (size_t k = 0; k < keys.size(); ++k) {
+            EXPECT_EQ(keys[k], int(k) * interval);
+        }
+    }
+    cameras[2]->SetCaptureFile(folder.file("h264-defaults.avi"));
+    ASSERT_TRUE(cameras[2]->StartCapture());
+    QTest::qWait(1500);
+    cameras[2]->StopCapture();
+    const std::vector<int> keys = test::keyFrameIndices(folder.file("h264-defaults.avi"));
+    ASSERT_GE(keys.size(), 2u);
+    EXPECT_EQ(keys[1], 30);
 }
 
 TEST(Capture, ConnectsAtAnySizeAndHandsOverLiveFramesAndOverlays) {

@@ -53,6 +53,20 @@ VideoCodec captureCompressorCodec(int index) {
     return kCompressors[size_t(index)].codec;
 }
 
+EncoderOptions captureEncoderOptions(VideoCodec codec, const CodecSettings& settings) {
+    constexpr int kBitsPerKbit = 1000;
+    switch (codec) {
+    case VideoCodec::Mjpeg:
+        return {0, settings.MjpegQuality, 0};
+    case VideoCodec::H264:
+        return {settings.H264BitRate * kBitsPerKbit, 0, settings.H264KeyFrameInterval};
+    case VideoCodec::Mpeg4:
+        return {settings.Mpeg4BitRate * kBitsPerKbit, 0, settings.Mpeg4KeyFrameInterval};
+    default:
+        return {};
+    }
+}
+
 int captureProfileCount() {
     return static_cast<int>(kProfiles.size());
 }

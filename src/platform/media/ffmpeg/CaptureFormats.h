@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VideoFileWriter.h"
+#include "core/AppSettings.h"
 
 #include <QString>
 
@@ -12,6 +13,16 @@ namespace ravelcue::media::ffmpeg {
 int captureCompressorCount();
 QString captureCompressorName(int index);
 VideoCodec captureCompressorCodec(int index); // -1 and unknown indices give RawBgr
+
+// What a capture hands its writer beside the codec; zeros keep the writer's defaults.
+struct EncoderOptions {
+    int bitRate = 0; // bits a second
+    int quality = 0;
+    int keyFrameInterval = 0;
+};
+
+// The stored settings of the given compressor's codec; none for the lossless and raw ones.
+EncoderOptions captureEncoderOptions(VideoCodec codec, const CodecSettings& settings);
 
 // The WMV profiles: WMV2 in an ASF file at the bit rate named by the profile.
 int captureProfileCount();

@@ -246,16 +246,19 @@ QString FfmpegCapture::ProfileName(int n) const {
 
 MediaError FfmpegCapture::StartCapture() {
     if (isWmvFile(file_)) {
-        return startRecording(VideoCodec::Wmv2, captureProfileBitRate(profile_));
+        EncoderOptions options;
+        options.bitRate = captureProfileBitRate(profile_);
+        return startRecording(VideoCodec::Wmv2, options);
     }
-    return startRecording(captureCompressorCodec(compressor_), 0);
+    const VideoCodec codec = captureCompressorCodec(compressor_);
+    return startRecording(codec, captureEncoderOptions(codec, codecSettings_));
 }
 
 MediaError FfmpegCapture::StartCaptureUncompressed() {
-    return startRecording(VideoCodec::RawBgr, 0);
+    return startRecording(VideoCodec::RawBgr, {});
 }
 
-MediaError FfmpegCapture::startRecording(VideoCodec codec, int bitRate) {
+MediaError FfmpegCapture::startRecording(VideoCodec codec, const EncoderOptions& options) {
     if (!Connected()) {
         return {media_error::NotConnected, QStringLiteral("The camera is not connected")};
     }
@@ -270,7 +273,9 @@ MediaError FfmpegCapture::startRecording(VideoCodec codec, int bitRate) {
     settings.height = source_->size().height() & ~1;
     settings.frameRate = av_d2q(source_->frameRate(), 100000);
     settings.codec = codec;
-    settings.bitRate = bitRate;
+    settings.bitRate = options.bitRate;
+    settings.quality = options.quality;
+    settings.keyFrameInterval = options.keyFrameInterval;
     // One thread each keeps four cameras fair on a small machine; large pictures take more.
     settings.threads = settings.width * settings.height > 1280 * 720 ? 0 : 1;
 

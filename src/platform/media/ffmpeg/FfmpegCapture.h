@@ -3,6 +3,7 @@
 #include "../CaptureInstance.h"
 #include "../VideoSource.h"
 #include "../VideoView.h"
+#include "CaptureFormats.h"
 #include "CaptureRecorder.h"
 #include "EngineContext.h"
 
@@ -48,6 +49,7 @@ public:
     QString CompressorName(int n) const override;
     void SetCompressorIndex(int n) override { compressor_ = n; }
     int CompressorIndex() const override { return compressor_; }
+    void SetCodecSettings(const CodecSettings& settings) override { codecSettings_ = settings; }
     int ProfileCount() const override;
     QString ProfileName(int n) const override;
     void SetProfileIndex(int n) override { profile_ = n; }
@@ -72,7 +74,7 @@ private:
     void startWorker();
     void stopWorker();
     void runWorker(std::stop_token stop, VideoSource* source);
-    MediaError startRecording(VideoCodec codec, int bitRate);
+    MediaError startRecording(VideoCodec codec, const EncoderOptions& options);
     void sourceLost(const QString& reason);
     void recordingFailed(const MediaError& error, std::uint64_t recording);
     void reportFailure(const MediaError& error);
@@ -87,6 +89,7 @@ private:
     QSize requestedSize_{640, 480};
     QString file_;
     int compressor_ = 0;
+    CodecSettings codecSettings_;
     int profile_ = 0;
 
     std::unique_ptr<VideoSource> source_;

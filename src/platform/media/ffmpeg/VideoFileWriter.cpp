@@ -182,6 +182,10 @@ public:
             toEncode = converted_.get();
         }
         toEncode->pts = frameIndex;
+        // A fixed quantiser is taken from each picture, not from the codec.
+        if (codec_->flags & AV_CODEC_FLAG_QSCALE) {
+            toEncode->quality = codec_->global_quality;
+        }
         toEncode->pict_type = AV_PICTURE_TYPE_NONE;
         const int code = avcodec_send_frame(codec_.get(), toEncode);
         if (code < 0) {
@@ -239,6 +243,12 @@ public:
     }
 
 private:
+    // Quality 1..31 to the quantiser 31..1; the default quality 28 is the quantiser 4.
+    static int mjpegQuantiser(int quality) {
+        constexpr int kDefaultQuality = 28;
+        return 32 - std::clamp(quality > 0 ? quality : kDefaultQuality, 1, 31);
+    }
+
     void configureCodec(const CodecChoice& choice) {
         AVCodecContext& c = *codec_;
         c.width = settings_.width;
@@ -248,8 +258,10 @@ private:
         c.framerate = settings_.frameRate;
         c.thread_count = settings_.threads;
         c.max_b_frames = 0;
-        // A keyframe every second keeps exact seeking cheap for the players.
-        c.gop_size = std::max(1, static_cast<int>(std::lround(av_q2d(settings_.frameRate))));
+        // By default a keyframe every second keeps exact seeking cheap for the players.
+        c.gop_size = settings_.keyFrameInterval > 0
+                         ? settings_.keyFrameInterval
+                         : std::max(1, static_cast<int>(std::lround(av_q2d(settings_.frameRate))));
         if (choice.fullRange) {
             c.color_range = AVCOL_RANGE_JPEG;
         }
@@ -264,7 +276,9 @@ private:
         } else if (settings_.codec != VideoCodec::H264) {
             // A fixed quantiser: good quality without a bit-rate guess per picture size.
             c.flags |= AV_CODEC_FLAG_QSCALE;
-            c.global_quality = FF_QP2LAMBDA * (settings_.codec == VideoCodec::Mjpeg ? 4 : 3);
+            c.global_quality =
+                FF_QP2LAMBDA *
+                (settings_.codec == VideoCodec::Mjpeg ? mjpegQuantiser(settings_.quality) : 3);
         }
     }
 

@@ -20,7 +20,9 @@ struct VideoFileSettings {
     AVRational frameRate{30, 1};
     VideoCodec codec = VideoCodec::Mjpeg;
     int bitRate = 0; // bits a second for rate-controlled codecs; 0 picks a quality default
-    int threads = 0; // encoder threads; 0 lets the encoder choose
+    int quality = 0; // MJPEG without a bit rate: 1 (smallest) to 31 (best); 0 the default 28
+    int keyFrameInterval = 0; // frames between key frames; 0 gives one every second
+    int threads = 0;          // encoder threads; 0 lets the encoder choose
 };
 
 // Encodes frames into a new video file. Not thread-safe: one thread writes. The file is complete
