@@ -201,7 +201,7 @@ TEST(Capture, TheStoredCodecSettingsReachEveryRecordingsEncoder) {
         camera->SetCaptureFile(folder.file(cases[i].name));
         camera->SetCompressorIndex(cases[i].compressor);
         camera->SetCodecSettings(cases[i].codec);
-        ASSERT_TRUE(camera->StartCapture());
+        ASSERT_TRUE(camera->StartCapture().ok());
         cameras.push_back(std::move(camera));
     }
     // Settings changed after the start belong to the next recording.
@@ -236,7 +236,7 @@ TEST(Capture, TheStoredCodecSettingsReachEveryRecordingsEncoder) {
         }
     }
     cameras[2]->SetCaptureFile(folder.file("h264-defaults.avi"));
-    ASSERT_TRUE(cameras[2]->StartCapture());
+    ASSERT_TRUE(cameras[2]->StartCapture().ok());
     QTest::qWait(1500);
     cameras[2]->StopCapture();
     const std::vector<int> keys = test::keyFrameIndices(folder.file("h264-defaults.avi"));
