@@ -322,7 +322,9 @@ TEST_F(SetupWindow, EscapeCancelsStoresNothingAndKeepsTheWidthForTheRun) {
     EXPECT_FALSE(cam(3).Connected()) << "a disabled camera stays away";
 }
 
-TEST_F(SetupWindow, AStoredDeviceBeyondTheListLeavesItsRowEmptyAndItsSizeAsItWas) {
+TEST_F(SetupWindow, AStoredCameraThatIsGoneLeavesItsRowEmptyAndItsSizeAsItWas) {
+    // Neither its name nor its index finds a device now.
+    fixture.store.writeText("Video Source-2", "Gone Camera(9)");
     fixture.store.writeText("Video Device Index-2", "9");
     fixture.store.writeText("Video Size-2", "800x600");
     open();
