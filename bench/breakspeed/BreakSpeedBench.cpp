@@ -7,6 +7,7 @@
 //     QPainterPolyline   one QPainter::drawPolyline through every point
 // At the end a table gives each job against its peers.
 
+#include "../RatioReporter.h"
 #include "breakspeed/AudioAnalysis.h"
 #include "breakspeed/Waveform.h"
 #include "breakspeed/WaveformBox.h"
@@ -155,25 +156,6 @@ BENCHMARK(FreadAndScan)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 BENCHMARK(DrawPicture1)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 BENCHMARK(QPainterEveryLine)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(QPainterPolyline)->Unit(benchmark::kMillisecond)->Iterations(3);
-
-// Keeps each job's time beside printing it, for the table at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    RatioReporter()
-        : ConsoleReporter(OO_Tabular) {}
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration) {
-                const double perSecond = benchmark::GetTimeUnitMultiplier(run.time_unit);
-                const std::string name = run.benchmark_name();
-                milliseconds[name.substr(0, name.find('/'))] =
-                    run.GetAdjustedRealTime() / perSecond * 1e3;
-            }
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> milliseconds;
-};
 
 void PrintRatio(const RatioReporter& r, const std::string& ours, const std::string& peer) {
     const auto a = r.milliseconds.find(ours);

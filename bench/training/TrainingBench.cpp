@@ -9,6 +9,7 @@
 //   ReadRegionBytes    the peer: a plain loop that only reads the bytes of those 206,121 pixels
 // At the end a table gives each tick against the peer.
 
+#include "../RatioReporter.h"
 #include "platform/media/LiveFrame.h"
 #include "platform/media/demo/DemoScene.h"
 #include "training/ColourModel.h"
@@ -128,28 +129,6 @@ BENCHMARK(AbsentColourTick)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
 BENCHMARK(VerticalTick)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
 BENCHMARK(PerpendicularTick)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
 BENCHMARK(ReadRegionBytes)->Unit(benchmark::kMicrosecond)->MinTime(1.0);
-
-// Keeps each job's time beside printing it, for the table at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    RatioReporter()
-        : ConsoleReporter(OO_Tabular) {}
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration) {
-                const double perSecond = benchmark::GetTimeUnitMultiplier(run.time_unit);
-                const std::string name = run.benchmark_name();
-                milliseconds[name.substr(0, name.find('/'))] =
-                    run.GetAdjustedRealTime() / perSecond * 1e3;
-                cpuMilliseconds[name.substr(0, name.find('/'))] =
-                    run.GetAdjustedCPUTime() / perSecond * 1e3;
-            }
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> milliseconds;
-    std::map<std::string, double> cpuMilliseconds;
-};
 
 void PrintRatio(const RatioReporter& r, const std::string& ours, const std::string& peer) {
     const auto a = r.milliseconds.find(ours);
