@@ -3,6 +3,7 @@
 #include "FuzzInput.h"
 #include "utilities/SortKeys.h"
 
+#include <cmath>
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <QLocale>
@@ -48,12 +49,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(InvertDigits(InvertDigits(first)).size() == first.size(),
           "inverting digits keeps the length");
 
-    // Number keys all have one length, so that text order is number order.
-    const QString a = numberSortKey(first, locale);
-    const QString b = numberSortKey(second, locale);
-    if (!a.isEmpty() && !b.isEmpty() && !a.startsWith(QLatin1Char('&')) &&
-        !b.startsWith(QLatin1Char('&'))) {
-        check(a.size() == b.size(), "keys of numbers not below zero are of one length");
+    // Keys of numbers below 10^30 all have one length, so that text order is number order.
+    bool isNumber = false;
+    double value = locale.toDouble(first.trimmed(), &isNumber);
+    if (!isNumber) {
+        value = QLocale::c().toDouble(first.trimmed(), &isNumber);
+    }
+    const QString key = numberSortKey(first, locale);
+    check(key.isEmpty() == !(isNumber && std::isfinite(value)), "every number has a key");
+    if (!key.isEmpty() && std::fabs(value) < 1e30) {
+        check(key.size() == (value < 0 ? 62 : 61), "a number's key has thirty places each side");
     }
 
     // A date shown as the list shows it reads back as the same second.
