@@ -36,9 +36,8 @@ std::optional<AudioSamples> ReadRecording(const std::string& file, std::string& 
         }
         return std::move(loaded.samples);
     }
-    AudioSamples samples(kRecordingHeaderWords, 0);
-    samples.insert(samples.end(), sound.words.begin(), sound.words.end());
-    return samples;
+    sound.words.insert(sound.words.begin(), kRecordingHeaderWords, 0);
+    return std::move(sound.words);
 }
 
 } // namespace ravelcue::breakspeed
