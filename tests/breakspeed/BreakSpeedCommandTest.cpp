@@ -151,35 +151,44 @@ TEST(BreakSpeedCommand, ReadsAnySoundFfmpegReads) {
     }
 }
 
-// A file claiming a rate of one frame a second is stretched 44,100 times on its way to the
-// analysis: 4 KiB of it, one packet, would be 720 MB. The companion never holds more than the
-// ten minutes it reads (105 MB).
-TEST(BreakSpeedCommand, AFewHertzAreNotStretchedBeyondTenMinutes) {
-    test::ScratchFolder folder;
-    std::string sound(8192, '\x80');
-    for (size_t i = 0; i < sound.size(); i += 7) {
-        sound[i] = '\xF0';
-    }
-    auto little = [](std::uint32_t value, int bytes) {
-        std::string text;
-        for (int i = 0; i < bytes; ++i) {
-            text += static_cast<char>((value >> (8 * i)) & 0xFF);
-        }
-        return text;
+// Rates a damaged header may claim. One frame a second is stretched 44,100 times on its way to
+// the analysis: 4 KiB of it, one packet, would be 720 MB, but the companion never holds more than
+// the ten minutes it reads (105 MB). A gigahertz is refused before the resampler builds filters
+// of gigabytes for it.
+TEST(BreakSpeedCommand, RatesOfAFewHertzOrOfGigahertzTakeNoGigabytes) {
+    struct Case {
+        std::uint32_t rate;
+        int exitCode;
     };
-    // RIFF WAVE, PCM, one channel of 8 bits at 1 Hz.
-    const std::string header = "RIFF" + little(36 + static_cast<std::uint32_t>(sound.size()), 4) +
-                               "WAVEfmt " + little(16, 4) + little(1, 2) + little(1, 2) +
-                               little(1, 4) + little(1, 4) + little(1, 2) + little(8, 2) + "data" +
-                               little(static_cast<std::uint32_t>(sound.size()), 4);
-    const auto slow = folder.file("one-hertz.wav");
-    test::WriteBytes(slow, header + sound);
+    for (const Case c : {Case{1, 0}, Case{1'140'858'688, 2}}) {
+        SCOPED_TRACE(c.rate);
+        test::ScratchFolder folder;
+        std::string sound(8192, '\x80');
+        for (size_t i = 0; i < sound.size(); i += 7) {
+            sound[i] = '\xF0';
+        }
+        auto little = [](std::uint32_t value, int bytes) {
+            std::string text;
+            for (int i = 0; i < bytes; ++i) {
+                text += static_cast<char>((value >> (8 * i)) & 0xFF);
+            }
+            return text;
+        };
+        // RIFF WAVE, PCM, one channel of 8 bits.
+        const std::string header =
+            "RIFF" + little(36 + static_cast<std::uint32_t>(sound.size()), 4) + "WAVEfmt " +
+            little(16, 4) + little(1, 2) + little(1, 2) + little(c.rate, 4) + little(c.rate, 4) +
+            little(1, 2) + little(8, 2) + "data" +
+            little(static_cast<std::uint32_t>(sound.size()), 4);
+        const auto file = folder.file("rate.wav");
+        test::WriteBytes(file, header + sound);
 
-    const CommandRun run = RunCommand("@", slow);
-    EXPECT_NE(run.exitCode, -1) << "the companion did not end by itself";
-    rusage children{};
-    ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &children), 0);
-    EXPECT_LT(children.ru_maxrss, 400 * 1024) << "kilobytes at the most";
+        const CommandRun run = RunCommand("@", file);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.output;
+        rusage children{};
+        ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &children), 0);
+        EXPECT_LT(children.ru_maxrss, 400 * 1024) << "kilobytes at the most";
+    }
 }
 
 } // namespace

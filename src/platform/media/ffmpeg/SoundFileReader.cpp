@@ -14,6 +14,8 @@ namespace ravelcue::media::ffmpeg {
 namespace {
 
 constexpr int kRate = 44100;
+// The highest rate recorders offer (DXD at 16 times 48 kHz).
+constexpr int kHighestRate = 768000;
 
 std::string failure(const std::string& what, int code) {
     return what + ": " + errorText(code).toStdString();
@@ -59,6 +61,13 @@ SoundReading readSound(const std::string& path, double maxSeconds) {
     code = avcodec_open2(codec.get(), decoder, nullptr);
     if (code < 0) {
         reading.error = failure("its sound can't be decoded", code);
+        return reading;
+    }
+    // The resampler's filters grow with the ratio of the rates: a header claiming a gigahertz
+    // would take gigabytes before a sample is read.
+    if (codec->sample_rate <= 0 || codec->sample_rate > kHighestRate) {
+        reading.error =
+            "its sample rate of " + std::to_string(codec->sample_rate) + " Hz is not one of sound";
         return reading;
     }
     if (codec->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
