@@ -2,11 +2,10 @@
 // It prints what the pane shows after a measurement, one field a line.
 
 #include "breakspeed/AudioAnalysis.h"
+#include "breakspeed/RecordingFile.h"
 #include "core/Version.h"
-#include "platform/media/ffmpeg/SoundFileReader.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,11 +17,6 @@ using namespace ravelcue::breakspeed;
 constexpr int kResults = 0;
 constexpr int kNoTwoPeaks = 1;
 constexpr int kBadInput = 2;
-
-// Longer recordings are read this far: a shot is seconds long, and a file of hours would only
-// fill the memory.
-constexpr double kLongestSeconds = 600;
-constexpr int kHeaderWords = 22; // of the pane's own recordings, which the analysis counts in
 
 constexpr std::string_view kUsage = R"(Usage: ravelcue-breakspeed FILE [options]
 
@@ -153,43 +147,6 @@ int unreadable(const std::string& file, const std::string& reason) {
     return kBadInput;
 }
 
-// The recording as the pane holds one: the words of the file from its first byte, or the
-// converted sound behind room for a header, so that word numbers mean the same in both.
-std::optional<AudioSamples> readRecording(const std::string& file, std::string& reason) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) {
-        reason = std::filesystem::exists(file, error) ? "not a file" : "no such file";
-        return std::nullopt;
-    }
-    if (std::filesystem::file_size(file, error) == 0) {
-        reason = "the file is empty";
-        return std::nullopt;
-    }
-    ravelcue::media::ffmpeg::SoundReading sound =
-        ravelcue::media::ffmpeg::readSound(file, kLongestSeconds);
-    if (!sound.error.empty()) {
-        reason = sound.error;
-        return std::nullopt;
-    }
-    if (sound.plainWav) {
-        const auto longest =
-            static_cast<std::uintmax_t>(kHeaderWords * 2 + kLongestSeconds * 44100 * 4);
-        LoadedAudio loaded = LoadAudioFile(file, longest);
-        if (loaded.result != LoadResult::Loaded) {
-            reason = "the file can't be read";
-            return std::nullopt;
-        }
-        if (loaded.samples.size() <= static_cast<std::size_t>(kHeaderWords)) {
-            reason = "the recording holds no sound";
-            return std::nullopt;
-        }
-        return std::move(loaded.samples);
-    }
-    AudioSamples samples(kHeaderWords, 0);
-    samples.insert(samples.end(), sound.words.begin(), sound.words.end());
-    return samples;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -207,13 +164,13 @@ int main(int argc, char** argv) {
     }
 
     std::string reason;
-    std::optional<AudioSamples> samples = readRecording(options.file, reason);
+    std::optional<AudioSamples> samples = ReadRecording(options.file, reason);
     if (!samples) {
         return unreadable(options.file, reason);
     }
     if (options.rightChannel) {
         // The analysis reads the words at even places, the left channel's after the header.
-        for (std::size_t i = kHeaderWords; i + 1 < samples->size(); i += 2) {
+        for (std::size_t i = kRecordingHeaderWords; i + 1 < samples->size(); i += 2) {
             std::swap((*samples)[i], (*samples)[i + 1]);
         }
     }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <gtest/gtest.h>
@@ -147,6 +148,46 @@ TEST(BreakSpeedCommand, ReadsAnySoundFfmpegReads) {
         ASSERT_NE(at, std::string::npos) << c.name;
         // 48 inches in 0.1 s; a sample either way at 44.1 kHz is 0.006 mph.
         EXPECT_NEAR(std::stod(run.output.substr(at + 7)), 27.26, 0.02) << c.name;
+    }
+}
+
+// Rates a damaged header may claim. One frame a second is stretched 44,100 times on its way to
+// the analysis: 4 KiB of it, one packet, would be 720 MB, but the companion never holds more than
+// the ten minutes it reads (105 MB). A gigahertz is refused before the resampler builds filters
+// of gigabytes for it.
+TEST(BreakSpeedCommand, RatesOfAFewHertzOrOfGigahertzTakeNoGigabytes) {
+    struct Case {
+        std::uint32_t rate;
+        int exitCode;
+    };
+    for (const Case c : {Case{1, 0}, Case{1'140'858'688, 2}}) {
+        SCOPED_TRACE(c.rate);
+        test::ScratchFolder folder;
+        std::string sound(8192, '\x80');
+        for (size_t i = 0; i < sound.size(); i += 7) {
+            sound[i] = '\xF0';
+        }
+        auto little = [](std::uint32_t value, int bytes) {
+            std::string text;
+            for (int i = 0; i < bytes; ++i) {
+                text += static_cast<char>((value >> (8 * i)) & 0xFF);
+            }
+            return text;
+        };
+        // RIFF WAVE, PCM, one channel of 8 bits.
+        const std::string header =
+            "RIFF" + little(36 + static_cast<std::uint32_t>(sound.size()), 4) + "WAVEfmt " +
+            little(16, 4) + little(1, 2) + little(1, 2) + little(c.rate, 4) + little(c.rate, 4) +
+            little(1, 2) + little(8, 2) + "data" +
+            little(static_cast<std::uint32_t>(sound.size()), 4);
+        const auto file = folder.file("rate.wav");
+        test::WriteBytes(file, header + sound);
+
+        const CommandRun run = RunCommand("@", file);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.output;
+        rusage children{};
+        ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &children), 0);
+        EXPECT_LT(children.ru_maxrss, 400 * 1024) << "kilobytes at the most";
     }
 }
 

@@ -11,6 +11,30 @@ namespace ravelcue::media::ffmpeg {
 
 namespace {
 
+// A damaged file may stamp a packet anywhere in 64 bits. Stamps beyond this many ticks (centuries
+// at 90 kHz) are taken as missing and longer durations as unknown, so that no sum or difference
+// of stamps can overflow.
+constexpr std::int64_t kLargestStamp = std::int64_t{1} << 53;
+constexpr std::int64_t kLongestFrame = std::int64_t{1} << 32;
+// Decoders hold back a few pictures at most; a file claiming more is not believed.
+constexpr int kLongestOutputDelay = 64;
+
+bool usableStamp(std::int64_t stamp) {
+    return stamp != AV_NOPTS_VALUE && stamp >= -kLargestStamp && stamp <= kLargestStamp;
+}
+
+std::vector<FrameIndex::Packet> usablePackets(const std::vector<FrameIndex::Packet>& packets) {
+    std::vector<FrameIndex::Packet> usable = packets;
+    for (FrameIndex::Packet& packet : usable) {
+        packet.pts = usableStamp(packet.pts) ? packet.pts : AV_NOPTS_VALUE;
+        packet.dts = usableStamp(packet.dts) ? packet.dts : AV_NOPTS_VALUE;
+        if (packet.duration < 0 || packet.duration > kLongestFrame) {
+            packet.duration = 0;
+        }
+    }
+    return usable;
+}
+
 std::int64_t typicalDuration(const std::vector<std::int64_t>& sortedStamps, AVRational timeBase,
                              AVRational frameRate) {
     if (frameRate.num > 0 && frameRate.den > 0) {
@@ -34,9 +58,10 @@ std::int64_t typicalDuration(const std::vector<std::int64_t>& sortedStamps, AVRa
 
 } // namespace
 
-FrameIndex::FrameIndex(const std::vector<Packet>& packets, AVRational timeBase,
+FrameIndex::FrameIndex(const std::vector<Packet>& filePackets, AVRational timeBase,
                        AVRational fallbackFrameRate, int outputDelay)
     : timeBase_(timeBase) {
+    const std::vector<Packet> packets = usablePackets(filePackets);
     // A decoder drops what comes before the first keyframe, so those packets are no frames.
     auto start =
         std::find_if(packets.begin(), packets.end(), [](const Packet& p) { return p.keyframe; });
@@ -45,14 +70,17 @@ FrameIndex::FrameIndex(const std::vector<Packet>& packets, AVRational timeBase,
     }
     std::vector<std::int64_t> known;
     for (auto it = start; it != packets.end(); ++it) {
-        known.push_back(it->pts != AV_NOPTS_VALUE ? it->pts : it->dts);
+        if (it->pts != AV_NOPTS_VALUE || it->dts != AV_NOPTS_VALUE) {
+            known.push_back(it->pts != AV_NOPTS_VALUE ? it->pts : it->dts);
+        }
     }
     std::sort(known.begin(), known.end());
-    frameDuration_ = typicalDuration(known, timeBase, fallbackFrameRate);
+    frameDuration_ = std::clamp<std::int64_t>(typicalDuration(known, timeBase, fallbackFrameRate),
+                                              1, kLongestFrame);
 
     framesCarryStamps_ = indexByStamps(start, packets.end());
     if (!framesCarryStamps_) {
-        outputDelay_ = std::max(0, outputDelay);
+        outputDelay_ = std::clamp(outputDelay, 0, kLongestOutputDelay);
         indexByCounting(start, packets.end());
     }
     finishKeyframes();

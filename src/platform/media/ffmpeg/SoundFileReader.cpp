@@ -2,6 +2,8 @@
 
 #include "FfmpegPtr.h"
 
+#include <algorithm>
+
 extern "C" {
 #include <libavutil/channel_layout.h>
 #include <libavutil/opt.h>
@@ -12,6 +14,8 @@ namespace ravelcue::media::ffmpeg {
 namespace {
 
 constexpr int kRate = 44100;
+// The highest rate recorders offer (DXD at 16 times 48 kHz).
+constexpr int kHighestRate = 768000;
 
 std::string failure(const std::string& what, int code) {
     return what + ": " + errorText(code).toStdString();
@@ -59,6 +63,13 @@ SoundReading readSound(const std::string& path, double maxSeconds) {
         reading.error = failure("its sound can't be decoded", code);
         return reading;
     }
+    // The resampler's filters grow with the ratio of the rates: a header claiming a gigahertz
+    // would take gigabytes before a sample is read.
+    if (codec->sample_rate <= 0 || codec->sample_rate > kHighestRate) {
+        reading.error =
+            "its sample rate of " + std::to_string(codec->sample_rate) + " Hz is not one of sound";
+        return reading;
+    }
     if (codec->ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
         av_channel_layout_default(&codec->ch_layout, codec->ch_layout.nb_channels);
     }
@@ -75,20 +86,32 @@ SoundReading readSound(const std::string& path, double maxSeconds) {
     const auto maxFrames = static_cast<std::size_t>(maxSeconds * kRate);
     PacketPtr packet = makePacket();
     FramePtr frame = makeFrame();
+    // At most a second is put out at a time, and no more than the frames still wanted: a file
+    // that claims a rate of a few hertz would otherwise turn one packet into gigabytes. What the
+    // resampler can't put out yet it keeps, and gives on the next call.
     auto convert = [&](const AVFrame* input) {
-        const int inputFrames = input != nullptr ? input->nb_samples : 0;
-        const int room = swr_get_out_samples(resampler.get(), inputFrames);
-        if (room <= 0) {
-            return;
+        const std::uint8_t* const* in =
+            input != nullptr ? const_cast<const std::uint8_t**>(input->extended_data) : nullptr;
+        int inputFrames = input != nullptr ? input->nb_samples : 0;
+        const std::uint8_t* noInput = nullptr;
+        for (;;) {
+            const std::size_t have = reading.words.size() / 2;
+            if (have >= maxFrames) {
+                return;
+            }
+            const int room = static_cast<int>(std::min<std::size_t>(kRate, maxFrames - have));
+            const std::size_t start = reading.words.size();
+            reading.words.resize(start + static_cast<std::size_t>(room) * 2);
+            auto* out = reinterpret_cast<std::uint8_t*>(reading.words.data() + start);
+            const int made = swr_convert(resampler.get(), &out, room,
+                                         const_cast<const std::uint8_t**>(in), inputFrames);
+            reading.words.resize(start + static_cast<std::size_t>(std::max(made, 0)) * 2);
+            if (made < room || input == nullptr) {
+                return;
+            }
+            in = &noInput; // the rest of what was given, without flushing
+            inputFrames = 0;
         }
-        const std::size_t start = reading.words.size();
-        reading.words.resize(start + static_cast<std::size_t>(room) * 2);
-        auto* out = reinterpret_cast<std::uint8_t*>(reading.words.data() + start);
-        const int made = swr_convert(
-            resampler.get(), &out, room,
-            input != nullptr ? const_cast<const std::uint8_t**>(input->extended_data) : nullptr,
-            inputFrames);
-        reading.words.resize(start + static_cast<std::size_t>(std::max(made, 0)) * 2);
     };
     auto drain = [&] {
         while (avcodec_receive_frame(codec.get(), frame.get()) >= 0) {
