@@ -97,16 +97,16 @@ protected:
             tones_, media::ffmpeg::FfmpegEngineOptions{1, false, {}});
     }
 
-    // The microphone on the monitor of an output, recording to `file`.
+    // The microphone on the input of that description, recording to `file`.
     std::unique_ptr<AudioInstance> microphone(const QString& description, const QString& file) {
         auto audio = engine_->createAudio();
         const int index = indexNamed(engine_->devices(), description, true);
-        if (index < 0) {
-            for (int i = 0; i < engine_->devices().AudioDeviceCount(); ++i) {
-                ADD_FAILURE() << engine_->devices().AudioDeviceName(i).toStdString();
-            }
+        QStringList listed;
+        for (int i = 0; i < engine_->devices().AudioDeviceCount(); ++i) {
+            listed << engine_->devices().AudioDeviceName(i);
         }
-        EXPECT_GE(index, 0) << "no input for the monitor of " << description.toStdString();
+        EXPECT_GE(index, 0) << "no input " << description.toStdString() << " among "
+                            << listed.join(", ").toStdString();
         audio->SetAudioDevice(index);
         EXPECT_TRUE(audio->SetConnected(true));
         audio->SetCaptureFile(file);
