@@ -11,7 +11,9 @@
 #include <sys/wait.h>
 #include <thread>
 
+#include <QEventLoop>
 #include <QFileInfo>
+#include <QProcess>
 
 extern char** environ;
 
@@ -54,6 +56,63 @@ PrivateSoundServer::~PrivateSoundServer() {
         kill(server_, SIGTERM);
         waitpid(server_, nullptr, 0);
     }
+}
+
+namespace {
+
+// Runs a PulseAudio tool against the server (PULSE_SERVER points at it), with the event loop
+// running; its exit code, or -1 when it could not run, and what it printed.
+int runTool(const QString& program, const QStringList& arguments, QByteArray* output = nullptr) {
+    QProcess process;
+    QEventLoop loop;
+    QObject::connect(&process, &QProcess::finished, &loop, &QEventLoop::quit);
+    QObject::connect(&process, &QProcess::errorOccurred, &loop, &QEventLoop::quit);
+    process.start(program, arguments);
+    if (process.state() == QProcess::NotRunning && process.error() == QProcess::FailedToStart) {
+        return -1;
+    }
+    loop.exec();
+    if (output != nullptr) {
+        *output = process.readAllStandardOutput();
+    }
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+} // namespace
+
+int PrivateSoundServer::addNullSink(const QString& sink, const QString& description) const {
+    QByteArray output;
+    const int code = runTool(QStringLiteral("pactl"),
+                             {QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
+                              QStringLiteral("sink_name=") + sink,
+                              QStringLiteral("sink_properties=device.description=") + description},
+                             &output);
+    bool number = false;
+    const int module = output.trimmed().toInt(&number);
+    return code == 0 && number ? module : -1;
+}
+
+int PrivateSoundServer::addInputOf(const QString& sink, const QString& description) const {
+    QByteArray output;
+    const int code =
+        runTool(QStringLiteral("pactl"),
+                {QStringLiteral("load-module"), QStringLiteral("module-remap-source"),
+                 QStringLiteral("master=") + sink + QStringLiteral(".monitor"),
+                 QStringLiteral("source_name=") + sink + QStringLiteral("_input"),
+                 QStringLiteral("source_properties=device.description=") + description},
+                &output);
+    bool number = false;
+    const int module = output.trimmed().toInt(&number);
+    return code == 0 && number ? module : -1;
+}
+
+bool PrivateSoundServer::removeModule(int module) const {
+    return runTool(QStringLiteral("pactl"),
+                   {QStringLiteral("unload-module"), QString::number(module)}) == 0;
+}
+
+bool PrivateSoundServer::playInto(const QString& sink, const QString& wavFile) const {
+    return runTool(QStringLiteral("paplay"), {QStringLiteral("--device=") + sink, wavFile}) == 0;
 }
 
 void PrivateSoundServer::silenceProcess() {

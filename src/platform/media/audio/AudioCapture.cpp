@@ -37,6 +37,17 @@ bool AudioCapture::SetConnected(bool connected) {
     if (!input) {
         return false;
     }
+    // The input reports from its own code; it is let go of once that has returned.
+    input->setOnLost([this, lost = input.get()] {
+        QMetaObject::invokeMethod(
+            this,
+            [this, lost] {
+                if (input_.get() == lost) {
+                    inputLost();
+                }
+            },
+            Qt::QueuedConnection);
+    });
     const bool started = input->start([this](std::int64_t firstFrame, const std::int16_t* samples,
                                              int frames) { receive(firstFrame, samples, frames); });
     if (!started) {
@@ -102,6 +113,16 @@ int AudioCapture::AudioLevel() const {
         }
     }
     return level;
+}
+
+void AudioCapture::inputLost() {
+    const bool wasRecording = IsCapturing();
+    SetConnected(false);
+    if (wasRecording) {
+        emit captureFailed(QStringLiteral("The microphone stopped sending sound. The recording up "
+                                          "to that moment is kept in %1.")
+                               .arg(QFileInfo(file_).fileName()));
+    }
 }
 
 void AudioCapture::receive(std::int64_t firstFrame, const std::int16_t* samples, int frames) {

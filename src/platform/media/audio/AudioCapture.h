@@ -40,6 +40,7 @@ private:
     };
 
     void receive(std::int64_t firstFrame, const std::int16_t* samples, int frames);
+    void inputLost();
 
     MicrophoneChooser chooseInput_;
     int device_ = 0;

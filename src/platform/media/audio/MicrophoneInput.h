@@ -28,6 +28,20 @@ public:
     // A recording starts at this frame (the demo plays its breaks from there).
     virtual void recordingStarted(std::int64_t firstFrame) { (void)firstFrame; }
     virtual void recordingStopped() {}
+
+    // Called on the UI thread, once, when the device goes away while started (unplugged, its
+    // sound server gone); the input has stopped by then. Set before start().
+    void setOnLost(std::function<void()> onLost) { onLost_ = std::move(onLost); }
+
+protected:
+    void reportLost() const {
+        if (onLost_) {
+            onLost_();
+        }
+    }
+
+private:
+    std::function<void()> onLost_;
 };
 
 // The running input of the device at an index of the engine's list, or nothing when there is no

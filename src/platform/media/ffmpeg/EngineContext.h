@@ -9,14 +9,16 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace ravelcue::media::ffmpeg {
 
 // What the instances of one engine share. Instances keep it alive, so an instance may outlive
 // its engine. The clock and the plugs are thread-safe; the catalog is UI thread only.
 struct EngineContext {
-    EngineContext(ToneBus& toneBus, std::uint64_t seed)
-        : tones(toneBus)
+    EngineContext(ToneBus& toneBus, std::uint64_t seed, std::vector<VideoDeviceEntry> addedCameras)
+        : devices(std::move(addedCameras))
+        , tones(toneBus)
         , demoMicrophoneSeed(seed) {
         for (auto& plug : demoPlugs) {
             plug = std::make_shared<DemoCameraPlug>();

@@ -38,7 +38,8 @@ FfmpegEngine::FfmpegEngine(ToneBus& tones, FfmpegEngineOptions options) {
     avdevice_register_all();
     // Encoders and devices talk a lot at their default level; errors are all we report.
     av_log_set_level(AV_LOG_ERROR);
-    context_ = std::make_shared<EngineContext>(tones, seedFrom(options));
+    context_ =
+        std::make_shared<EngineContext>(tones, seedFrom(options), std::move(options.addedCameras));
 }
 
 FfmpegEngine::~FfmpegEngine() = default;

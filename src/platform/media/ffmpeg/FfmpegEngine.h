@@ -1,9 +1,11 @@
 #pragma once
 
 #include "../MediaEngine.h"
+#include "SystemDeviceCatalog.h"
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace ravelcue {
 class ToneBus;
@@ -22,6 +24,9 @@ struct FfmpegEngineOptions {
     // demoBreak). Unset, each run draws different ones.
     std::uint64_t demoMicrophoneSeed = 0;
     bool randomDemoSeed = true;
+    // Cameras the system does not list, opened through libavdevice as described: a screen
+    // ("x11grab", ":0.0"), a network stream. They come after the system's cameras.
+    std::vector<VideoDeviceEntry> addedCameras;
 };
 
 // The media engine on FFmpeg: the machine's cameras (libavdevice) and microphones (Qt

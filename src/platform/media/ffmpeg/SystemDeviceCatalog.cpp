@@ -114,12 +114,14 @@ std::vector<VideoDeviceEntry> systemCameras() {
 #endif
 }
 
-SystemDeviceCatalog::SystemDeviceCatalog() {
+SystemDeviceCatalog::SystemDeviceCatalog(std::vector<VideoDeviceEntry> addedCameras)
+    : addedCameras_(std::move(addedCameras)) {
     refresh();
 }
 
 void SystemDeviceCatalog::refresh() {
     video_ = systemCameras();
+    video_.insert(video_.end(), addedCameras_.begin(), addedCameras_.end());
     for (int n = 1; n <= kDemoCameraCount; ++n) {
         video_.push_back({QStringLiteral("Demo Camera %1").arg(n), {}, {}, n});
     }

@@ -29,7 +29,9 @@ struct AudioDeviceEntry {
 // without devices starts as fast as one with them. UI thread only.
 class SystemDeviceCatalog final : public DeviceCatalog {
 public:
-    SystemDeviceCatalog();
+    // Added cameras are inputs the system does not report (a screen through x11grab, a stream
+    // on the network); they follow the system's cameras, before the demo cameras.
+    explicit SystemDeviceCatalog(std::vector<VideoDeviceEntry> addedCameras = {});
 
     void refresh() override;
     int VideoDeviceCount() const override;
@@ -42,6 +44,7 @@ public:
     const AudioDeviceEntry* audioDevice(int index) const;
 
 private:
+    std::vector<VideoDeviceEntry> addedCameras_;
     std::vector<VideoDeviceEntry> video_;
     std::vector<AudioDeviceEntry> audio_;
 };
