@@ -1,6 +1,7 @@
 #include "TargetSearch.h"
 
 #include "ColourModel.h"
+#include "TargetMatcher.h"
 #include "core/Rounding.h"
 
 #include <algorithm>
@@ -13,9 +14,6 @@ namespace {
 constexpr int kSampleFirst = 2; // the sample starts this far inside the square
 constexpr int kSampleSide = 7;
 constexpr int kSampleCount = kSampleSide * kSampleSide;
-constexpr float kHueRange = 10.0f;
-constexpr float kSaturationRange = 30.0f;
-constexpr float kLightnessRange = 20.0f;
 
 // The mean of whole-number figures as the calibration takes it: the float sum rounded, divided
 // by the count and truncated.
@@ -52,29 +50,26 @@ float circularMeanHue(const std::array<float, kSampleCount>& hues) {
     return mean;
 }
 
-// Both limits tested without a branch between them.
-bool within(float value, float centre, float range) {
-    return (value >= centre - range) & (value <= centre + range);
-}
-
 template <typename Columns>
-std::optional<TargetPoint> scan(const LiveFrameView& frame, const TargetColour& target, int fromY,
+std::optional<TargetPoint> scan(const LiveFrameView& frame, TargetMatcher& matcher, int fromY,
                                 Columns&& columns) {
     if (!frame.hasPicture()) {
         return std::nullopt;
     }
     // A pixel the colour of the one before it has the same answer: walls, shirts and
-    // gradients come in runs, and the conversion is the cost of a scan.
-    Rgb last{-1, -1, -1};
+    // gradients come in runs. One comparison of the three bytes together, which noise, where
+    // no pixel repeats the one before it, gets right every time.
+    std::int32_t last = -1;
     for (int y = fromY; y <= kRegionBottom; ++y) {
         std::optional<TargetPoint> found;
         columns([&](int x) {
             const Rgb colour = frame.pixel(x, y);
-            if (colour.r == last.r && colour.g == last.g && colour.b == last.b) {
+            const std::int32_t packed = colour.r << 16 | colour.g << 8 | colour.b;
+            if (packed == last) {
                 return false; // the one before did not match, or the scan would have stopped
             }
-            last = colour;
-            if (Matches(target, colour)) {
+            last = packed;
+            if (matcher.matches(colour.r, colour.g, colour.b)) {
                 found = TargetPoint{x, y};
                 return true;
             }
@@ -138,41 +133,28 @@ std::optional<TargetColour> CalibrationSample(const LiveFrameView& frame) {
 }
 
 bool Matches(const TargetColour& target, Rgb colour) {
-    // RGBToHSL step by step, stopping at the first figure out of reach: most pixels of a
-    // picture fail on their hue, before the saturation's division.
-    const float r = hsl::unit(colour.r);
-    const float g = hsl::unit(colour.g);
-    const float b = hsl::unit(colour.b);
-    const float max = Max3(r, g, b);
-    const float min = Min3(r, g, b);
-    const bool grey = max == min;
-    const float h = grey ? 0.0f : hsl::hue(r, g, b, max, min);
-    // Around the circle: a hue near 0 may match a target near 360 and the other way round.
-    if (!within(h, target.Hthresh, kHueRange) && !within(h, target.Hthresh - 360.0f, kHueRange) &&
-        !within(h, target.Hthresh + 360.0f, kHueRange)) {
-        return false;
-    }
-    const float l = hsl::lightness(max, min);
-    const float s = grey ? 0.0f : hsl::saturation(max, min, l);
-    return within(s, target.Sthresh, kSaturationRange) &&
-           within(l, target.Lthresh, kLightnessRange);
+    float h = 0.0f;
+    float s = 0.0f;
+    float l = 0.0f;
+    RGBToHSL(colour.r, colour.g, colour.b, h, s, l);
+    return reach::hue(target, h) && reach::saturationAndLightness(target, s, l);
 }
 
-std::optional<TargetPoint> FindFirstTarget(const LiveFrameView& frame, const TargetColour& target) {
-    return scan(frame, target, kRegionTop,
+std::optional<TargetPoint> FindFirstTarget(const LiveFrameView& frame, TargetMatcher& matcher) {
+    return scan(frame, matcher, kRegionTop,
                 [](auto&& test) { return eachColumn(kRegionLeft, kRegionRight, test); });
 }
 
-std::optional<TargetPoint> FindSecondTarget(const LiveFrameView& frame, const TargetColour& target,
+std::optional<TargetPoint> FindSecondTarget(const LiveFrameView& frame, TargetMatcher& matcher,
                                             TargetPoint first) {
-    return scan(frame, target, first.y + kSecondTargetDrop, [first](auto&& test) {
+    return scan(frame, matcher, first.y + kSecondTargetDrop, [first](auto&& test) {
         return eachColumn(first.x - kSecondTargetReach, first.x + kSecondTargetReach, test);
     });
 }
 
-std::optional<TargetPoint> FindThirdTarget(const LiveFrameView& frame, const TargetColour& target,
+std::optional<TargetPoint> FindThirdTarget(const LiveFrameView& frame, TargetMatcher& matcher,
                                            TargetPoint second) {
-    return scan(frame, target, second.y, [second](auto&& test) {
+    return scan(frame, matcher, second.y, [second](auto&& test) {
         return eachColumn(kRegionLeft, second.x - kSecondTargetReach - 1, test) ||
                eachColumn(second.x + kSecondTargetReach + 1, kRegionRight, test);
     });

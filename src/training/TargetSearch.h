@@ -65,7 +65,8 @@ inline constexpr int kSquareBottom = 210;
 std::optional<TargetColour> CalibrationSample(const LiveFrameView& frame);
 
 // Whether a colour is the target's: hue within 10 degrees of it around the circle, saturation
-// within 30 and lightness within 20, the limits included, tested in that order.
+// within 30 and lightness within 20, the limits included. The scans ask a TargetMatcher, which
+// answers the same.
 bool Matches(const TargetColour& target, Rgb colour);
 
 struct TargetPoint {
@@ -83,17 +84,19 @@ inline constexpr int kRegionBottom = 430;
 inline constexpr int kSecondTargetDrop = 75;
 inline constexpr int kSecondTargetReach = 100;
 
+class TargetMatcher;
+
 // Each scan goes row by row from the top, left to right within a row, and stops at the first
 // matching pixel. Columns left of 0 or right of 639 are skipped.
 // The first target: anywhere in the region.
-std::optional<TargetPoint> FindFirstTarget(const LiveFrameView& frame, const TargetColour& target);
+std::optional<TargetPoint> FindFirstTarget(const LiveFrameView& frame, TargetMatcher& matcher);
 // The second: at least 75 rows under the first and at most 100 columns to either side of it, down
 // to the region's last row.
-std::optional<TargetPoint> FindSecondTarget(const LiveFrameView& frame, const TargetColour& target,
+std::optional<TargetPoint> FindSecondTarget(const LiveFrameView& frame, TargetMatcher& matcher,
                                             TargetPoint first);
 // The third (side training): from the second's row down, across the region but not within 100
 // columns of the second.
-std::optional<TargetPoint> FindThirdTarget(const LiveFrameView& frame, const TargetColour& target,
+std::optional<TargetPoint> FindThirdTarget(const LiveFrameView& frame, TargetMatcher& matcher,
                                            TargetPoint second);
 
 } // namespace ravelcue::training

@@ -1,5 +1,6 @@
 #include "TrainingRules.h"
 
+#include "TargetMatcher.h"
 #include "core/Geometry.h"
 
 #include <cmath>
@@ -120,13 +121,14 @@ TickOutcome TrainingTick(const LiveFrameView& frame, const TargetColour& target,
                          AlarmType alarmType, double piValue) {
     TickOutcome tick;
     tick.marks.push_back({kShapeRectangle, kRegionLeft, kRegionTop, kRegionRight, kRegionBottom});
-    tick.first = FindFirstTarget(frame, target);
+    TargetMatcher matcher(target);
+    tick.first = FindFirstTarget(frame, matcher);
     if (!tick.first) {
         return tick;
     }
     const TargetPoint first = *tick.first;
     tick.marks.push_back(ring(first));
-    tick.second = FindSecondTarget(frame, target, first);
+    tick.second = FindSecondTarget(frame, matcher, first);
     if (!tick.second) {
         return tick;
     }
@@ -140,7 +142,7 @@ TickOutcome TrainingTick(const LiveFrameView& frame, const TargetColour& target,
                               static_cast<float>(second.y)});
         tick.alarm = VerticalRule(second.x - first.x, alarmType);
     } else if (trainingType == kPerpendicularTraining) {
-        tick.third = FindThirdTarget(frame, target, second);
+        tick.third = FindThirdTarget(frame, matcher, second);
         if (!tick.third) {
             return tick;
         }

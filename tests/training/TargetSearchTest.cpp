@@ -117,7 +117,8 @@ class FirstTargetTest : public testing::TestWithParam<ScanCase> {};
 TEST_P(FirstTargetTest, IsTheTopmostThenLeftmostMatchInTheRegion) {
     const ScanCase& c = GetParam();
     const TestFrame frame = frameWith(c.targets);
-    EXPECT_EQ(FindFirstTarget(frame.view(), targetOf(kGreenTarget)), c.found) << c.what;
+    TargetMatcher matcher(targetOf(kGreenTarget));
+    EXPECT_EQ(FindFirstTarget(frame.view(), matcher), c.found) << c.what;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -129,6 +130,19 @@ INSTANTIATE_TEST_SUITE_P(
         ScanCase{"outside the region", {{49, 60}, {591, 60}, {60, 49}, {60, 431}}, std::nullopt},
         ScanCase{"the region's far corner", {{590, 430}}, TargetPoint{590, 430}},
         ScanCase{"the region's near corner", {{50, 50}, {51, 50}}, TargetPoint{50, 50}}));
+
+// The scan skips a pixel the colour of the one before it; one channel of difference is enough
+// to be judged.
+TEST(FirstTarget, FollowsAPixelThatDiffersInOneChannelOnly) {
+    for (const Rgb before : {Rgb{250, 210, 30}, Rgb{70, 40, 30}, Rgb{70, 210, 200}}) {
+        TestFrame frame;
+        frame.set(199, 120, before);
+        frame.set(200, 120, kGreenTarget);
+        TargetMatcher matcher(targetOf(kGreenTarget));
+        EXPECT_EQ(FindFirstTarget(frame.view(), matcher), (TargetPoint{200, 120}))
+            << before.r << ", " << before.g << ", " << before.b;
+    }
+}
 
 struct FollowingCase {
     const char* what;
@@ -142,7 +156,8 @@ class SecondTargetTest : public testing::TestWithParam<FollowingCase> {};
 TEST_P(SecondTargetTest, LiesAtLeast75RowsUnderAndAtMost100ColumnsAside) {
     const FollowingCase& c = GetParam();
     const TestFrame frame = frameWith(c.targets);
-    EXPECT_EQ(FindSecondTarget(frame.view(), targetOf(kGreenTarget), c.from), c.found) << c.what;
+    TargetMatcher matcher(targetOf(kGreenTarget));
+    EXPECT_EQ(FindSecondTarget(frame.view(), matcher, c.from), c.found) << c.what;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -165,7 +180,8 @@ class ThirdTargetTest : public testing::TestWithParam<FollowingCase> {};
 TEST_P(ThirdTargetTest, StartsOnTheSecondsRowOutsideTheColumnsAroundIt) {
     const FollowingCase& c = GetParam();
     const TestFrame frame = frameWith(c.targets);
-    EXPECT_EQ(FindThirdTarget(frame.view(), targetOf(kGreenTarget), c.from), c.found) << c.what;
+    TargetMatcher matcher(targetOf(kGreenTarget));
+    EXPECT_EQ(FindThirdTarget(frame.view(), matcher, c.from), c.found) << c.what;
 }
 
 INSTANTIATE_TEST_SUITE_P(

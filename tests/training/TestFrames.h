@@ -1,6 +1,7 @@
 #pragma once
 
 #include "training/ColourModel.h"
+#include "training/TargetMatcher.h"
 #include "training/TargetSearch.h"
 
 #include <vector>

@@ -19,6 +19,7 @@
 #include "training/TrainingRules.h"
 #include "training/TrainingRun.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -150,6 +151,34 @@ protected:
             QTest::qWait(150);
         }
         EXPECT_EQ(seen, wanted);
+    }
+
+    // Whether the voice can be heard here: a sound server of the test's own and the spoken
+    // commands the build made.
+    static const char* noVoice() {
+        if (!server_->running() || QMediaDevices::audioOutputs().isEmpty()) {
+            return "no PulseAudio server to play into";
+        }
+        if (!QFile::exists(QStringLiteral(RAVELCUE_SOUNDS_DIR "/good.wav"))) {
+            return "the build had no speech synthesizer";
+        }
+        return nullptr;
+    }
+    // How many samples of a recording sound more than the silence of the server's output.
+    static int loud(const std::vector<qint16>& samples) {
+        return static_cast<int>(std::count_if(samples.begin(), samples.end(),
+                                              [](qint16 s) { return std::abs(s) > 1000; }));
+    }
+    // One tick of the run and the beeps it played.
+    std::vector<double> beepsOfATick() {
+        const auto started = ToneBus::Clock::now();
+        fixture.tick("tmrTraining");
+        std::vector<double> beeps;
+        for (const ToneBus::Tone& tone :
+             fixture.tones.tonesDuring(started, ToneBus::Clock::now())) {
+            beeps.push_back(tone.frequencyHz);
+        }
+        return beeps;
     }
 
     static inline std::unique_ptr<PrivateSoundServer> server_;
@@ -296,21 +325,14 @@ TEST_F(StrokeTraining, LeavingThePaneEndsARunAndACount) {
 }
 
 TEST_F(StrokeTraining, TheVoiceIsHeard) {
-    if (!server_->running() || QMediaDevices::audioOutputs().isEmpty()) {
-        GTEST_SKIP() << "no PulseAudio server to play into";
-    }
-    if (!QFile::exists(QStringLiteral(RAVELCUE_SOUNDS_DIR "/good.wav"))) {
-        GTEST_SKIP() << "the build had no speech synthesizer";
+    if (const char* why = noVoice()) {
+        GTEST_SKIP() << why;
     }
     calibrate();
     startRun(1, training::AlarmType::Voice); // an angle of exactly 88 or 92 never comes
     const std::vector<qint16> heard = server_->record(1.5, [this] { fixture.tick("tmrTraining"); });
     ASSERT_FALSE(fixture.text("lblAlarm").isEmpty());
-    int loud = 0;
-    for (const qint16 sample : heard) {
-        loud += std::abs(sample) > 1000 ? 1 : 0;
-    }
-    EXPECT_GT(loud, 441) << "at least 10 ms of speech";
+    EXPECT_GT(loud(heard), 441) << "at least 10 ms of speech";
 
     // Without its files the run is silent and says it in text all the same.
     QDir(fixture.program.path() + QStringLiteral("/Sounds")).removeRecursively();
@@ -318,11 +340,51 @@ TEST_F(StrokeTraining, TheVoiceIsHeard) {
         server_->record(1.5, [this] { fixture.tick("tmrTraining"); });
     EXPECT_FALSE(fixture.text("lblAlarm").isEmpty());
     EXPECT_TRUE(fixture.prompts.texts().size() == 1) << "the calibration's message alone";
-    int after = 0;
-    for (const qint16 sample : silence) {
-        after += std::abs(sample) > 1000 ? 1 : 0;
+    EXPECT_EQ(loud(silence), 0);
+}
+
+TEST_F(StrokeTraining, AnAlarmTypeChosenDuringARunActsFromTheNextTick) {
+    if (const char* why = noVoice()) {
+        GTEST_SKIP() << why;
     }
-    EXPECT_EQ(after, 0);
+    calibrate();
+    startRun(1, training::AlarmType::Voice);
+    auto* alarmType = fixture.find<QComboBox>("cboAlarmType");
+    const std::vector<qint16> spoken =
+        server_->record(1.5, [this] { fixture.tick("tmrTraining"); });
+    ASSERT_FALSE(fixture.text("lblAlarm").isEmpty());
+    EXPECT_GT(loud(spoken), 441);
+
+    alarmType->setCurrentText("No Sound");
+    const std::vector<qint16> quiet =
+        server_->record(1.5, [this] { EXPECT_TRUE(beepsOfATick().empty()); });
+    EXPECT_FALSE(fixture.text("lblAlarm").isEmpty()) << "the text goes on";
+    EXPECT_EQ(loud(quiet), 0);
+
+    // Silent ticks until the arm is in position; from the next tick on, "GOOD!!!" beeps twice
+    // and the other texts stay silent.
+    const auto deadline = std::chrono::steady_clock::now() +
+                          std::chrono::milliseconds(2 * media::kDemoArmCycleMs + 3000);
+    while (fixture.text("lblAlarm") != "GOOD!!!" && std::chrono::steady_clock::now() < deadline) {
+        QTest::qWait(150);
+        EXPECT_TRUE(beepsOfATick().empty());
+    }
+    ASSERT_EQ(fixture.text("lblAlarm"), "GOOD!!!") << "the arm never came into position";
+    alarmType->setCurrentText("Beep Only");
+    bool beepedForGood = false;
+    while (!beepedForGood && std::chrono::steady_clock::now() < deadline) {
+        const std::vector<double> beeps = beepsOfATick();
+        const QString shown = fixture.text("lblAlarm");
+        EXPECT_FALSE(shown.isEmpty());
+        if (shown == "GOOD!!!") {
+            EXPECT_EQ(beeps, (std::vector<double>{500, 500}));
+            beepedForGood = true;
+        } else {
+            EXPECT_TRUE(beeps.empty()) << shown.toStdString();
+            QTest::qWait(150);
+        }
+    }
+    EXPECT_TRUE(beepedForGood);
 }
 
 // On an engine of the test's own, so that the camera can be pulled out.
