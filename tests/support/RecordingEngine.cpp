@@ -79,7 +79,6 @@ public:
         note(QStringLiteral("SetRenderMode(%1)").arg(m));
     }
     int RenderMode() const override { return renderMode_; }
-    void SetPreviewScale(bool s) override { note(QStringLiteral("SetPreviewScale(%1)").arg(s)); }
     bool SetVideoSize(int w, int h) override {
         note(QStringLiteral("SetVideoSize(%1,%2)").arg(w).arg(h));
         return true;
@@ -169,11 +168,6 @@ public:
         , files_(std::move(files)) {}
     ~RecordingPlayer() override { delete view_.data(); }
 
-    void SetConnected(bool c) override {
-        connected_ = c;
-        note(QStringLiteral("SetConnected(%1)").arg(c));
-    }
-    bool Connected() const override { return connected_; }
     media::MediaError PlayerOpen(const QString& path) override {
         note(QStringLiteral("PlayerOpen(%1)").arg(path));
         open_ = false;
@@ -250,7 +244,6 @@ private:
     QPointer<media::VideoView> view_;
     Files files_;
     RecordingEngine::MediaFile file_;
-    bool connected_ = false;
     bool open_ = false;
     bool playing_ = false;
     double posMs_ = 0;
@@ -269,9 +262,7 @@ public:
                         QColor) override {
         note(QStringLiteral("SetTextOverlay(%1,%2)").arg(slot).arg(text));
     }
-    bool Recompress(const QString&, const QString&, const QString&, double, double) override {
-        return false;
-    }
+    bool Recompress(const QString&, const QString&, double, double) override { return false; }
     void Cancel() override {}
     bool IsBusy() const override { return false; }
 };
@@ -302,7 +293,6 @@ public:
     }
     void StopCapture() override { note(QStringLiteral("StopCapture()")); }
     bool IsCapturing() const override { return false; }
-    void SetPreview(bool p) override { note(QStringLiteral("SetPreview(%1)").arg(p)); }
     int AudioLevel() const override { return 0; }
 
 private:

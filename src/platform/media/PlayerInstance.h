@@ -22,10 +22,7 @@ public:
     using QObject::QObject;
     ~PlayerInstance() override = default;
 
-    // Set-up, as the window prepares each player at start-up; it opens no file. A player needs
-    // no other set-up: it sizes its picture to its view and plays no sound.
-    virtual void SetConnected(bool connected) = 0;
-    virtual bool Connected() const = 0;
+    // A player needs no set-up: it sizes its picture to its view and plays no sound.
 
     // Opens a video or a still image, shows its first frame, rate 1.0, stopped.
     virtual MediaError PlayerOpen(const QString& path) = 0;
