@@ -39,6 +39,7 @@ public:
     void PlayerSetPos(double ms) override;
     double PlayerGetFrame() const override;
     void PlayerSetFrame(double frame) override;
+    bool PlayerAnswers(std::chrono::milliseconds within) const override;
     QSize PlayerGetSize() const override;
     double PlayerGetDuration() const override;
     int PlayerGetFrameCount() const override;
