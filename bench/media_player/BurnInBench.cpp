@@ -52,7 +52,7 @@ double timeOurs(const QString& source, const QString& destination) {
                          loop.quit();
                      });
     const auto start = Clock::now();
-    recompress.Recompress(source, QString(), destination, 0, 0);
+    recompress.Recompress(source, destination, 0, 0);
     loop.exec();
     const double ms = msSince(start);
     if (!result.ok()) {

@@ -112,7 +112,6 @@ public:
     void ConnectCam(int camera, int deviceIndex, std::string_view captureMode);
     void DisConnectCam(int camera);
     void ConnectAudio(int deviceIndex);
-    void InitPlayers();
     void StopPlayers();
     void StopAudio();
 

@@ -75,8 +75,7 @@ void MainWindow::Form_Load() {
     // 10-13: the units, the microphone and the cameras, as Setup's OK applies them too.
     applySettings(settings_, SettingsFrom::StartUp);
 
-    // 14-16.
-    InitPlayers();
+    // 14-16: the players need no set-up of their own.
     setTitle();
     status_->setPanel(1, QStringLiteral("Live Video"));
 
@@ -176,21 +175,10 @@ void MainWindow::ConnectAudio(int deviceIndex) {
                          QStringLiteral("/breakspeed.wav"));
 }
 
-void MainWindow::InitPlayers() {
-    for (int i = 0; i < kCameraCount; ++i) {
-        media::PlayerInstance& player = media_.play(i);
-        player.SetConnected(true);
-        if (!player.Connected()) {
-            services_.prompts.message(QStringLiteral("Error while connecting to video player!"),
-                                      ui::MessageIcon::Critical);
-            return;
-        }
-    }
-}
-
 void MainWindow::StopPlayers() {
+    // Ends each player's decoding before the cameras' and the microphone's threads go.
     for (int i = 0; i < kCameraCount; ++i) {
-        media_.play(i).SetConnected(false);
+        media_.play(i).PlayerClose();
     }
 }
 

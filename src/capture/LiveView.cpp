@@ -64,7 +64,6 @@ void LiveView::ConnectCam(int camera, int deviceIndex, std::string_view captureM
         instance.SetRenderMode(1);
     }
     instance.view()->resize(800, 600);
-    instance.SetPreviewScale(true);
     instance.SetConnected(true);
     if (const auto size = parseVideoSize(context_.settings.VideoSize[k])) {
         instance.SetVideoSize(size->width, size->height);

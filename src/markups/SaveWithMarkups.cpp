@@ -82,7 +82,7 @@ void SaveWithMarkups::mnuSaveVideo_Click() {
 
     media::RecompressInstance& recompress = *context_.media.recompress[k];
     markers_.handLayerToRecompress(player);
-    if (!recompress.Recompress(qtext(source), QString(), qtext(destination), start, end)) {
+    if (!recompress.Recompress(qtext(source), qtext(destination), start, end)) {
         context_.prompts.message(
             QStringLiteral("This video is still being saved. Please wait until it is done."),
             ui::MessageIcon::Exclamation);

@@ -1,5 +1,6 @@
 #include "TimelineControl.h"
 
+#include "PlayerAnswers.h"
 #include "Timeline.h"
 #include "platform/media/MediaInstances.h"
 #include "platform/ui/StatusPanels.h"
@@ -50,9 +51,7 @@ void TimelineControl::Slider1_Scroll() {
         context_.media.play(i).PlayerSetPos(static_cast<double>(value) * kStepMs);
     }
     slider_.setText(QString::fromStdString(secondsText(value)));
-    const media::PlayerInstance& index = context_.media.play(indexPlayer(context_.state));
-    context_.status.setPanel(
-        5, QString::fromStdString(positionText(index.PlayerGetPos(), index.PlayerGetDuration())));
+    showPositionText(context_);
 }
 
 } // namespace ravelcue::playback

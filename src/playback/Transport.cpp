@@ -1,5 +1,6 @@
 #include "Transport.h"
 
+#include "PlayerAnswers.h"
 #include "RunEditToolFrame.h"
 #include "TimelineControl.h"
 #include "platform/media/MediaInstances.h"
@@ -27,16 +28,21 @@ QString withKey(const QString& tip, const QString& key) {
     return tip + QStringLiteral(" (") + key + QLatin1Char(')');
 }
 
-QString qtext(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 } // namespace
 
 Transport::Transport(ui::WindowContext& context, RunEditToolFrame& frame)
     : QObject(frame.frame())
     , context_(context)
-    , frame_(frame) {
+    , frame_(frame)
+    , catchUp_(new QTimer(this)) {
+    // Each try waits up to a frame period for the player, so a short pause between them does.
+    catchUp_->setSingleShot(true);
+    catchUp_->setInterval(10);
+    connect(catchUp_, &QTimer::timeout, this, [this] {
+        if (!frame_.tmrSlider()->isActive()) {
+            positionUpdate();
+        }
+    });
     installKeys();
     setPlayButton(false);
 }
@@ -111,14 +117,23 @@ bool Transport::isPlaying() const {
 }
 
 void Transport::showPositionText() {
-    const media::PlayerInstance& index = player(indexPlayer(context_.state));
-    context_.status.setPanel(5,
-                             qtext(positionText(index.PlayerGetPos(), index.PlayerGetDuration())));
+    showPosition(false);
 }
 
 void Transport::positionUpdate() {
-    frame_.slider1()->moveThumb(sliderStep(player(indexPlayer(context_.state)).PlayerGetPos()));
-    showPositionText();
+    showPosition(true);
+}
+
+void Transport::showPosition(bool withThumb) {
+    const int index = indexPlayer(context_.state);
+    if (!playerAnswers(context_, index)) {
+        catchUp_->start(); // unless the slider's timer ticks anyway
+        return;
+    }
+    if (withThumb) {
+        frame_.slider1()->moveThumb(sliderStep(player(index).PlayerGetPos()));
+    }
+    playback::showPositionText(context_); // answers at once now
 }
 
 void Transport::Toolbar1_ButtonClick(const QString& key) {
@@ -190,7 +205,13 @@ void Transport::rewind() {
 }
 
 void Transport::step(int direction) {
-    // Each player steps from where it stands, so offsets between them survive a step.
+    // Each player steps from where it stands, so offsets between them survive a step; while one
+    // of them is busy none steps, or their offsets would change.
+    const std::vector<int> players = activePlayers(context_.state);
+    if (!std::all_of(players.begin(), players.end(),
+                     [this](int i) { return playerAnswers(context_, i); })) {
+        return;
+    }
     switch (stepKind(context_.state.LoadedFileType)) {
     case StepKind::Frame:
         toActivePlayers([direction](media::PlayerInstance& p) {
@@ -238,7 +259,8 @@ void Transport::tmrSlider_Timer() {
         }
     } else if (!slider.isSliderDown()) {
         // While the user holds the thumb it stays where the hand puts it.
-        slider.moveThumb(sliderStep(player(indexPlayer(context_.state)).PlayerGetPos()));
+        positionUpdate();
+        return;
     }
     showPositionText();
 }

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 
+class QTimer;
 class QWidget;
 
 namespace ravelcue::media {
@@ -38,11 +39,13 @@ public:
     // The Play button as it stands while playing (image "Pause") or not (image "Play").
     void setPlayButton(bool playing);
     bool isPlaying() const;
-    // The thumb to the index player's position, and the position text.
+    // The thumb to the index player's position, and the position text. While the index player
+    // is busy both keep their values, and are brought up to date as soon as it answers.
     void positionUpdate();
     void showPositionText();
 
 private:
+    void showPosition(bool withThumb);
     void play();
     void pause();
     void stop();
@@ -57,6 +60,7 @@ private:
 
     ui::WindowContext& context_;
     RunEditToolFrame& frame_;
+    QTimer* catchUp_;
 };
 
 } // namespace ravelcue::playback

@@ -455,7 +455,6 @@ void SetupDialog::ConnectPreview(int index, int deviceIndex) {
     capture.SetConnected(false);
     capture.SetVideoDevice(deviceIndex);
     capture.SetCaptureFrameRate(leadingNumber(settings.FrameRate[k]));
-    capture.SetPreviewScale(true);
     capture.SetConnected(true);
     if (const auto size = parseVideoSize(settings.VideoSize[k])) {
         capture.SetVideoSize(size->width, size->height);
@@ -579,11 +578,9 @@ void SetupDialog::cboAudioSource_Click() {
 void SetupDialog::chkTest_Click(bool on) {
     if (on) {
         audio_->SetConnected(true);
-        audio_->SetPreview(true);
         tmrAudioLevel_->start();
     } else {
         tmrAudioLevel_->stop();
-        audio_->SetPreview(false);
         audio_->SetConnected(false);
         pbAudioLevel_->setValue(0);
     }
@@ -631,7 +628,6 @@ void SetupDialog::releaseDevices() {
     }
     released_ = true;
     tmrAudioLevel_->stop();
-    audio_->SetPreview(false);
     StopTestAudio();
     DisconnectPreview(kCameraCount);
 }

@@ -34,7 +34,6 @@ public:
     void refuseWrites(bool refuse) { refuseWrites_ = refuse; }
     void StopCapture() override;
     bool IsCapturing() const override { return capturing_; }
-    void SetPreview(bool) override {}
     int AudioLevel() const override { return 0; }
 
     int captures() const { return captures_; }

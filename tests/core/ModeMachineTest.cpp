@@ -184,9 +184,6 @@ TEST_F(ModeMachineTest, BreakSpeedFromQuadSelectsCameraOneFirst) {
     EXPECT_EQ(state.SelectedCam, 0);
     EXPECT_FALSE(window.enabled("optCamSelect_1"));
     EXPECT_FALSE(window.enabled("optCamSelect_4"));
-    EXPECT_TRUE(window.visible("picBreakSpeed"));
-    EXPECT_TRUE(window.visible("fmBreakSpeedTB"));
-    EXPECT_FALSE(window.visible("fmCapturetb"));
 }
 
 TEST_F(ModeMachineTest, ViewRowsShowOneFrameAndTheSliderOnlyForVideos) {

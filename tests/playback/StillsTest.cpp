@@ -1,5 +1,6 @@
 #include "PlaybackWindow.h"
 
+#include <QGuiApplication>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -43,6 +44,24 @@ TEST(Stills, AStillOfAPictureLiesBesideIt) {
     const QStringList saved = w.fixture.recorder.calls("player0.PlayerSaveFrame");
     ASSERT_EQ(saved.size(), 1);
     EXPECT_TRUE(saved[0].startsWith("player0.PlayerSaveFrame(" + w.dataDir() + "/photos/photo-"));
+}
+
+TEST(Stills, AStillFromAPlayerThatDoesNotAnswerWaitsUnderTheWaitCursorAndSaysSo) {
+    PlaybackWindow w;
+    w.openVideo(w.touch(w.videos("clip.avi")));
+    w.fixture.recorder.playerBehaviour()->busy = {0};
+    w.fixture.recorder.clearLog();
+
+    w.fixture.click("mnuCaptureImage");
+    const QStringList saved = w.fixture.recorder.calls("player0.PlayerSaveFrame");
+    ASSERT_EQ(saved.size(), 1);
+    const QString path = saved[0].mid(QString("player0.PlayerSaveFrame(").size()).chopped(4);
+    EXPECT_EQ(w.fixture.recorder.playerBehaviour()->cursorAtSave, Qt::WaitCursor);
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr) << "the cursor comes back";
+    EXPECT_EQ(w.fixture.prompts.shown().back().text,
+              "Save Image failed\n" + path +
+                  ": The player did not reach the frame asked for within 30 seconds");
+    EXPECT_EQ(w.fixture.prompts.shown().back().icon, ui::MessageIcon::Exclamation);
 }
 
 } // namespace

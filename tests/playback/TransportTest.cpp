@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QListWidget>
 #include <QScrollBar>
+#include <QTest>
 #include <QTimer>
 
 #include <gtest/gtest.h>
@@ -124,6 +125,55 @@ TEST_F(Transport, StepsMoveEachPlayerFromWhereItStands) {
     w.fixture.recorder.clearLog();
     w.fixture.click("Toolbar1_StepForward");
     EXPECT_TRUE(calls("PlayerSet").isEmpty());
+}
+
+TEST_F(Transport, APlayerThatDoesNotAnswerIsNamedBusyAndHoldsNothingUp) {
+    QList<int>& busy = w.fixture.recorder.playerBehaviour()->busy;
+    w.fixture.click("Toolbar1_Play");
+    holdTimer();
+    allAt(2040);
+    w.fixture.tick("tmrSlider");
+    ASSERT_EQ(w.slider().value(), 20);
+
+    // The index player is still landing a pause: thumb and position stay, the status says why.
+    busy = {0};
+    allAt(5000);
+    w.fixture.tick("tmrSlider");
+    EXPECT_EQ(w.slider().value(), 20);
+    EXPECT_EQ(w.fixture.panel(5), "Position=2.04/12.34");
+    EXPECT_EQ(w.fixture.panel(4), "Player 1 busy");
+    w.fixture.click("Toolbar1_Play");
+    EXPECT_EQ(w.fixture.panel(1), "Video Paused") << "the transport itself never waits";
+    EXPECT_TRUE(calls("while busy").isEmpty()) << "the window waited on a busy player";
+
+    // A step moves no player while any of them is busy, so their offsets stay.
+    busy = {2};
+    w.fixture.recorder.clearLog();
+    w.fixture.click("Toolbar1_StepForward");
+    EXPECT_TRUE(calls("PlayerSet").isEmpty());
+    EXPECT_EQ(w.fixture.panel(4), "Player 3 busy");
+    w.fixture.click("Toolbar1_Rewind");
+    EXPECT_EQ(calls("PlayerSetFrame"), toAll("PlayerSetFrame(0)")) << "commands still go out";
+    EXPECT_EQ(w.fixture.panel(5), "Position=.00/12.34") << "the index player answers";
+
+    busy = {0};
+    w.fixture.recorder.clearLog();
+    w.slider().setValue(40);
+    EXPECT_EQ(calls("PlayerSetPos"), toAll("PlayerSetPos(4000)"));
+    EXPECT_EQ(w.fixture.panel(5), "Position=.00/12.34");
+    EXPECT_TRUE(calls("while busy").isEmpty()) << "the window waited on a busy player";
+
+    // Once it answers, the note goes and the position follows again, without another command.
+    setRegion(20, 10);
+    w.fixture.click("Toolbar1_Rewind");
+    EXPECT_EQ(w.fixture.panel(4), "Player 1 busy");
+    busy.clear();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return w.fixture.panel(5) == "Position=2.00/12.34"; }));
+    EXPECT_EQ(w.fixture.panel(4), "");
+    w.fixture.recorder.clearLog();
+    w.fixture.click("Toolbar1_StepForward");
+    EXPECT_EQ(calls("PlayerSetFrame"), toAll("PlayerSetFrame(61)"));
+    EXPECT_EQ(w.fixture.panel(5), "Position=2.03/12.34");
 }
 
 TEST_F(Transport, RewindGoesToTheFirstFrameOrToTheRegion) {

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QGuiApplication>
 #include <QPointer>
 
 namespace ravelcue::test {
@@ -79,7 +80,6 @@ public:
         note(QStringLiteral("SetRenderMode(%1)").arg(m));
     }
     int RenderMode() const override { return renderMode_; }
-    void SetPreviewScale(bool s) override { note(QStringLiteral("SetPreviewScale(%1)").arg(s)); }
     bool SetVideoSize(int w, int h) override {
         note(QStringLiteral("SetVideoSize(%1,%2)").arg(w).arg(h));
         return true;
@@ -166,14 +166,10 @@ public:
     RecordingPlayer(Log log, int index, Files files)
         : Recorder(std::move(log), QStringLiteral("player%1").arg(index))
         , view_(new media::VideoView)
+        , index_(index)
         , files_(std::move(files)) {}
     ~RecordingPlayer() override { delete view_.data(); }
 
-    void SetConnected(bool c) override {
-        connected_ = c;
-        note(QStringLiteral("SetConnected(%1)").arg(c));
-    }
-    bool Connected() const override { return connected_; }
     media::MediaError PlayerOpen(const QString& path) override {
         note(QStringLiteral("PlayerOpen(%1)").arg(path));
         open_ = false;
@@ -204,7 +200,10 @@ public:
     }
     bool IsPlaying() const override { return playing_; }
     void PlayerSetRate(double r) override { note(QStringLiteral("PlayerSetRate(%1)").arg(arg(r))); }
-    double PlayerGetPos() const override { return open_ ? posMs_ : 0; }
+    double PlayerGetPos() const override {
+        noteIfBusy(QStringLiteral("PlayerGetPos()"));
+        return open_ ? posMs_ : 0;
+    }
     void PlayerSetPos(double ms) override {
         note(QStringLiteral("PlayerSetPos(%1)").arg(arg(ms)));
         if (open_) {
@@ -212,7 +211,11 @@ public:
             frame_ = std::round(posMs_ / msPerFrame());
         }
     }
-    double PlayerGetFrame() const override { return open_ ? frame_ : 0; }
+    double PlayerGetFrame() const override {
+        noteIfBusy(QStringLiteral("PlayerGetFrame()"));
+        return open_ ? frame_ : 0;
+    }
+    bool PlayerAnswers(std::chrono::milliseconds) const override { return !busy(); }
     void PlayerSetFrame(double f) override {
         note(QStringLiteral("PlayerSetFrame(%1)").arg(arg(f)));
         if (open_) {
@@ -228,8 +231,15 @@ public:
     void SetZoomRegion(int, int, int, int) override {}
     media::MediaError PlayerSaveFrame(const QString& path, int quality) override {
         note(QStringLiteral("PlayerSaveFrame(%1,%2)").arg(path).arg(quality));
+        const QCursor* cursor = QGuiApplication::overrideCursor();
+        files_->cursorAtSave = cursor != nullptr ? cursor->shape() : Qt::ArrowCursor;
         if (!open_) {
             return {media::media_error::NotConnected, QStringLiteral("No file is open")};
+        }
+        if (busy()) {
+            return {
+                media::media_error::Busy,
+                QStringLiteral("The player did not reach the frame asked for within 30 seconds")};
         }
         return {};
     }
@@ -243,14 +253,20 @@ public:
     media::VideoView* view() const override { return view_; }
 
 private:
+    bool busy() const { return files_->busy.contains(index_); }
+    void noteIfBusy(const QString& call) const {
+        if (busy()) {
+            note(call + QStringLiteral(" while busy"));
+        }
+    }
     double msPerFrame() const {
         return file_.frameCount > 0 ? file_.durationMs / file_.frameCount : 1.0;
     }
 
     QPointer<media::VideoView> view_;
+    int index_;
     Files files_;
     RecordingEngine::MediaFile file_;
-    bool connected_ = false;
     bool open_ = false;
     bool playing_ = false;
     double posMs_ = 0;
@@ -269,9 +285,7 @@ public:
                         QColor) override {
         note(QStringLiteral("SetTextOverlay(%1,%2)").arg(slot).arg(text));
     }
-    bool Recompress(const QString&, const QString&, const QString&, double, double) override {
-        return false;
-    }
+    bool Recompress(const QString&, const QString&, double, double) override { return false; }
     void Cancel() override {}
     bool IsBusy() const override { return false; }
 };
@@ -302,7 +316,6 @@ public:
     }
     void StopCapture() override { note(QStringLiteral("StopCapture()")); }
     bool IsCapturing() const override { return false; }
-    void SetPreview(bool p) override { note(QStringLiteral("SetPreview(%1)").arg(p)); }
     int AudioLevel() const override { return 0; }
 
 private:

@@ -51,6 +51,12 @@ public:
     struct PlayerBehaviour {
         MediaFile defaultFile;
         QMap<QString, MediaFile> files;
+        // Players that do not answer, as one still decoding to the frame it stops on: they say
+        // no to PlayerAnswers, note "PlayerGetPos() while busy" (where a real one would hold the
+        // window up) when asked all the same, and time out saving a still.
+        QList<int> busy;
+        // The cursor shape the window showed during the last PlayerSaveFrame.
+        Qt::CursorShape cursorAtSave = Qt::ArrowCursor;
     };
     std::shared_ptr<PlayerBehaviour> playerBehaviour() { return players_; }
 

@@ -26,8 +26,6 @@ public:
     virtual MediaError StartCapture() = 0;
     virtual void StopCapture() = 0;
     virtual bool IsCapturing() const = 0;
-    // Kept for Setup's level test, which turns it on; the level is measured whenever connected.
-    virtual void SetPreview(bool preview) = 0;
     // 0..100, the loudest of the last quarter second.
     virtual int AudioLevel() const = 0;
 

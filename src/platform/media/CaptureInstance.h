@@ -37,7 +37,6 @@ public:
     // 0 renders for speed (preview only); 1 also keeps the newest frame for FrameBytes.
     virtual void SetRenderMode(int renderMode) = 0;
     virtual int RenderMode() const = 0;
-    virtual void SetPreviewScale(bool scaleToControl) = 0;
     // Asks the device for this picture size; false when it cannot be had.
     virtual bool SetVideoSize(int width, int height) = 0;
     // What the device really delivers (0x0 while disconnected).

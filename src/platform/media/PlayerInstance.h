@@ -2,6 +2,8 @@
 
 #include "MediaError.h"
 
+#include <chrono>
+
 #include <QColor>
 #include <QImage>
 #include <QObject>
@@ -22,10 +24,7 @@ public:
     using QObject::QObject;
     ~PlayerInstance() override = default;
 
-    // Set-up, as the window prepares each player at start-up; it opens no file. A player needs
-    // no other set-up: it sizes its picture to its view and plays no sound.
-    virtual void SetConnected(bool connected) = 0;
-    virtual bool Connected() const = 0;
+    // A player needs no set-up: it sizes its picture to its view and plays no sound.
 
     // Opens a video or a still image, shows its first frame, rate 1.0, stopped.
     virtual MediaError PlayerOpen(const QString& path) = 0;
@@ -38,11 +37,15 @@ public:
     // 0.25 to 4.0.
     virtual void PlayerSetRate(double rate) = 0;
     // The frame on show, once a pause asked for has landed: these two may hold the calling
-    // thread up to 2 s while the player decodes to the frame it stops on.
+    // thread up to 2 s while the player decodes to the frame it stops on. Ask PlayerAnswers
+    // first where that would hold up a window.
     virtual double PlayerGetPos() const = 0;  // milliseconds of the frame on show
     virtual void PlayerSetPos(double ms) = 0; // clamped into the file; a running player goes on
     virtual double PlayerGetFrame() const = 0;
     virtual void PlayerSetFrame(double frame) = 0;
+    // Waits up to `within` for a pause asked for to land; true when PlayerGetPos and
+    // PlayerGetFrame now answer at once. A player with no file open answers at once.
+    virtual bool PlayerAnswers(std::chrono::milliseconds within) const = 0;
     virtual QSize PlayerGetSize() const = 0;
     virtual double PlayerGetDuration() const = 0; // milliseconds
     virtual int PlayerGetFrameCount() const = 0;
@@ -50,8 +53,9 @@ public:
     virtual int PictureHeight() const = 0;
     // The part of the picture to show enlarged; four zeros show the whole picture.
     virtual void SetZoomRegion(int x, int y, int width, int height) = 0;
-    // The frame on show, with its overlays, as a JPEG of the given quality (1..100). Waits for a
-    // seek still under way to land, up to 30 s; on failure the error says why.
+    // The frame on show, with its overlays, as a JPEG of the given quality (1..100). Holds the
+    // calling thread while a seek still under way lands, up to 30 s (then media_error::Busy); on
+    // failure the error says why.
     virtual MediaError PlayerSaveFrame(const QString& path, int quality) = 0;
 
     // Shape layer: RGB32 as large as the picture; black lets the picture through.

@@ -25,10 +25,10 @@ public:
     virtual void SetBitmapOverlay(const QImage& overlay) = 0;
     virtual void SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
                                 int pointSize, QColor color) = 0;
-    // Returns at once; startMs and endMs of 0 and 0 mean the whole file. The second argument is
-    // kept for the caller's sake and is always empty. False when a job is already running.
-    virtual bool Recompress(const QString& source, const QString& unused,
-                            const QString& destination, double startMs, double endMs) = 0;
+    // Returns at once; startMs and endMs of 0 and 0 mean the whole file. False when a job is
+    // already running.
+    virtual bool Recompress(const QString& source, const QString& destination, double startMs,
+                            double endMs) = 0;
     virtual void Cancel() = 0;
     virtual bool IsBusy() const = 0;
 

@@ -91,6 +91,71 @@ TEST(PlayerPlayback, FollowsTheClockAndKeepsASetTogether) {
     EXPECT_EQ(ends.count(), 1);
 }
 
+// A playback clock that can hold the worker in its sleep between frames, as a worker slow to
+// come round to a command is held; nothing else it is told wakes it then.
+class HeldClock final : public ravelcue::media::ffmpeg::PlaybackClock {
+public:
+    Duration now() const override { return Duration(std::chrono::seconds(1)); }
+    void waitUntil(std::unique_lock<std::mutex>& lock, std::condition_variable& wake,
+                   Duration) override {
+        std::unique_lock held(mutex_);
+        if (!holding_) {
+            held.unlock();
+            wake.wait_for(lock, std::chrono::milliseconds(1));
+            return;
+        }
+        lock.unlock();
+        ++sleepers_;
+        release_.wait(held, [this] { return !holding_; });
+        held.unlock();
+        lock.lock();
+    }
+    void release() {
+        {
+            std::lock_guard held(mutex_);
+            holding_ = false;
+        }
+        release_.notify_all();
+    }
+    int sleepers() {
+        std::lock_guard held(mutex_);
+        return sleepers_;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable release_;
+    bool holding_ = true;
+    int sleepers_ = 0;
+};
+
+// A pause that has not landed yet is told apart before anyone waits on the position, and the
+// position is there the moment the player says it answers.
+TEST(PlayerPlayback, APlayerStillLandingAPauseDoesNotAnswer) {
+    using std::chrono::milliseconds;
+    TempFolder folder;
+    auto clock = std::make_shared<HeldClock>();
+    FfmpegPlayer player(clock);
+    const std::unique_ptr<HeldClock, void (*)(HeldClock*)> releasedAtTheEnd(
+        clock.get(), [](HeldClock* held) { held->release(); }); // before the player closes
+    EXPECT_TRUE(player.PlayerAnswers(milliseconds(0))) << "with no file";
+    ASSERT_TRUE(player.PlayerOpen(makeClip(folder)).ok());
+    EXPECT_TRUE(player.PlayerAnswers(milliseconds(0))) << "standing still";
+
+    player.PlayerPlay();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return clock->sleepers() == 1; }, 30000));
+    EXPECT_TRUE(player.PlayerAnswers(milliseconds(0))) << "playing";
+    player.PlayerStop();
+    EXPECT_FALSE(player.PlayerAnswers(milliseconds(0)));
+    EXPECT_FALSE(player.PlayerAnswers(milliseconds(40)));
+
+    clock->release();
+    EXPECT_TRUE(player.PlayerAnswers(milliseconds(30000)));
+    EXPECT_EQ(player.PlayerGetFrame(), 0.0);
+    player.PlayerClose();
+    EXPECT_TRUE(player.PlayerAnswers(milliseconds(0)));
+}
+
 // Nothing a caller does to a closed player, or with positions outside the file, fails.
 TEST(PlayerPlayback, ClosedPlayersAndPositionsOutsideTheFileAreHarmless) {
     TempFolder folder;

@@ -35,8 +35,8 @@ void addMarkups(FfmpegRecompress& recompress) {
 MediaError runJob(FfmpegRecompress& recompress, const QString& source, const QString& destination,
                   double startMs, double endMs, bool cancelAtOnce = false) {
     QSignalSpy finished(&recompress, &FfmpegRecompress::finished);
-    EXPECT_TRUE(recompress.Recompress(source, QString(), destination, startMs, endMs));
-    EXPECT_FALSE(recompress.Recompress(source, QString(), destination, startMs, endMs)); // busy
+    EXPECT_TRUE(recompress.Recompress(source, destination, startMs, endMs));
+    EXPECT_FALSE(recompress.Recompress(source, destination, startMs, endMs)); // busy
     if (cancelAtOnce) {
         recompress.Cancel();
     }

@@ -30,7 +30,6 @@ public:
     MediaError StartCapture() override;
     void StopCapture() override;
     bool IsCapturing() const override;
-    void SetPreview(bool) override {}
     int AudioLevel() const override;
 
 private:

@@ -33,7 +33,6 @@ public:
     void SetCaptureFrameRate(double framesPerSecond) override;
     void SetRenderMode(int renderMode) override;
     int RenderMode() const override { return renderMode_; }
-    void SetPreviewScale(bool scaleToControl) override { previewScale_ = scaleToControl; }
     bool SetVideoSize(int width, int height) override;
     QSize GetVideoSize() const override;
     double GetFrameRate() const override;
@@ -85,7 +84,6 @@ private:
     int device_ = -1;
     double frameRate_ = 30;
     int renderMode_ = 0;
-    bool previewScale_ = true;
     QSize requestedSize_{640, 480};
     QString file_;
     int compressor_ = 0;

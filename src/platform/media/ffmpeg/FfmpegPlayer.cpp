@@ -138,6 +138,10 @@ double FfmpegPlayer::PlayerGetDuration() const {
     return index_ ? index_->durationMs() : 0.0;
 }
 
+bool FfmpegPlayer::PlayerAnswers(std::chrono::milliseconds within) const {
+    return !worker_ || worker_->waitStopLanded(within);
+}
+
 int FfmpegPlayer::PlayerGetFrameCount() const {
     return index_ ? static_cast<int>(index_->count()) : 0;
 }

@@ -28,9 +28,6 @@ public:
         QObject* parent = nullptr);
     ~FfmpegPlayer() override;
 
-    void SetConnected(bool connected) override { connected_ = connected; }
-    bool Connected() const override { return connected_; }
-
     MediaError PlayerOpen(const QString& path) override;
     void PlayerClose() override;
     bool IsOpen() const override;
@@ -42,6 +39,7 @@ public:
     void PlayerSetPos(double ms) override;
     double PlayerGetFrame() const override;
     void PlayerSetFrame(double frame) override;
+    bool PlayerAnswers(std::chrono::milliseconds within) const override;
     QSize PlayerGetSize() const override;
     double PlayerGetDuration() const override;
     int PlayerGetFrameCount() const override;
@@ -74,7 +72,6 @@ private:
     QSize pictureSize_;
     double rate_ = 1.0;
     std::uint64_t openings_ = 0;
-    bool connected_ = false;
 
     mutable QMutex shownMutex_;
     QImage shown_;

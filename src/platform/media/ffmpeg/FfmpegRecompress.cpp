@@ -26,8 +26,8 @@ void FfmpegRecompress::SetTextOverlay(int slot, const QString& text, int x, int 
     overlay_.setText(slot, TextOverlay{text, x, y, font, pointSize, color});
 }
 
-bool FfmpegRecompress::Recompress(const QString& source, const QString&, const QString& destination,
-                                  double startMs, double endMs) {
+bool FfmpegRecompress::Recompress(const QString& source, const QString& destination, double startMs,
+                                  double endMs) {
     if (busy_) {
         return false;
     }

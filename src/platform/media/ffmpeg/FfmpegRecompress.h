@@ -19,8 +19,8 @@ public:
     void SetBitmapOverlay(const QImage& overlay) override;
     void SetTextOverlay(int slot, const QString& text, int x, int y, const QString& font,
                         int pointSize, QColor color) override;
-    bool Recompress(const QString& source, const QString& unused, const QString& destination,
-                    double startMs, double endMs) override;
+    bool Recompress(const QString& source, const QString& destination, double startMs,
+                    double endMs) override;
     void Cancel() override;
     bool IsBusy() const override { return busy_; }
 

@@ -112,10 +112,18 @@ std::int64_t PlayerWorker::position() const {
     std::unique_lock lock(mutex_);
     // Players paused together report the frames they stop on, not the ones they passed on the
     // way; landing takes at most one frame's decoding.
-    settled_.wait_for(lock, std::chrono::seconds(2),
-                      [this] { return stopServed_ == command_.stopRequest || command_.quit; });
+    settled_.wait_for(lock, std::chrono::seconds(2), [this] { return stopLanded(); });
     return seekServed_ != command_.seekRequest ? command_.seekFrame
                                                : std::max<std::int64_t>(0, onShow_);
+}
+
+bool PlayerWorker::waitStopLanded(std::chrono::milliseconds timeout) const {
+    std::unique_lock lock(mutex_);
+    return settled_.wait_for(lock, timeout, [this] { return stopLanded(); });
+}
+
+bool PlayerWorker::stopLanded() const {
+    return stopServed_ == command_.stopRequest || command_.quit;
 }
 
 bool PlayerWorker::waitIdle(std::chrono::milliseconds timeout) const {

@@ -52,6 +52,8 @@ public:
     // The frame asked for last while it is being fetched, otherwise the frame on show. Straight
     // after a stop it waits for the frame the player stops on.
     std::int64_t position() const;
+    // Waits until position() answers at once: the last stop has landed; false on timeout.
+    bool waitStopLanded(std::chrono::milliseconds timeout) const;
     // Waits until the last seek or stop is on show; false on timeout.
     bool waitSettled(std::chrono::milliseconds timeout) const;
     // Waits until the player stands still with nothing left to decode ahead; false on timeout.
@@ -95,6 +97,8 @@ private:
     std::optional<DecodedFrame> obtain(std::int64_t target);
     std::optional<DecodedFrame> decodeTo(std::int64_t target);
     void anchorAt(double mediaMs, double rate, PlaybackClock::Duration at);
+    // Under the lock: the last stop asked for is on show, or the worker is closing.
+    bool stopLanded() const;
     // A newer seek or a close came while decoding.
     bool superseded() const;
 
