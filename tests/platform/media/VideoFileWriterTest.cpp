@@ -1,6 +1,7 @@
 #include "platform/media/ffmpeg/VideoFileWriter.h"
 
 #include "platform/media/ffmpeg/ImageFrames.h"
+#include "platform/media/ffmpeg/VideoFileReader.h"
 #include "support/Ffprobe.h"
 #include "support/TempFolder.h"
 
@@ -189,5 +190,68 @@ TEST(VideoFileWriter, WrittenDataReachesTheDiskWithinAQuarterSecondOfVideo) {
             }
         }
         EXPECT_LE(flushes, kSeconds * kFlushesPerSecond) << "the buffer is emptied too often";
+    }
+}
+
+// A recording killed outright leaves the file as it stands on disk: what the writer last emptied
+// into it, and perhaps part of what followed, when the buffer filled on its own. Such a file, cut
+// off between refreshes at moments of a recording, reads whole in ffprobe and in our reader: its
+// header tells the frames it holds, to within the quarter second between refreshes, and those are
+// all but the last second's at most. The
+// pictures are noise, as large as a camera's after compression: an ASF muxer keeps a packet of
+// a few kilobytes to itself until it fills, which nearly empty pictures would fill only slowly.
+TEST(VideoFileWriter, AFileCutOffBetweenRefreshesReadsWhole) {
+    constexpr int kRate = 30;
+    constexpr int kCutAfter[] = {20, 37, 55};
+    const Case cases[] = {{VideoCodec::Mjpeg, "avi", "mjpeg"},
+                          {VideoCodec::H264, "avi", "h264"},
+                          {VideoCodec::Ffv1, "avi", "ffv1"},
+                          {VideoCodec::Wmv2, "wmv", "wmv2"}};
+    TempFolder folder;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.codecName) + " in " + c.extension);
+        const VideoFileSettings settings{
+            folder.file(QStringLiteral("cut_%1.%2")
+                            .arg(QLatin1String(c.codecName), QLatin1String(c.extension))),
+            320,
+            240,
+            {kRate, 1},
+            c.codec,
+            c.codec == VideoCodec::Wmv2 ? 1'500'000 : 0};
+        MediaError error;
+        auto writer = VideoFileWriter::open(settings, error);
+        ASSERT_TRUE(writer) << error.text.toStdString();
+        for (int i = 0, cut = 0; i <= kCutAfter[std::size(kCutAfter) - 1]; ++i) {
+            QImage picture(320, 240, QImage::Format_RGB32);
+            std::uint32_t noise = 2463534242u + std::uint32_t(i);
+            for (int y = 0; y < picture.height(); ++y) {
+                auto* row = reinterpret_cast<std::uint32_t*>(picture.scanLine(y));
+                for (int x = 0; x < picture.width(); ++x) {
+                    noise ^= noise << 13;
+                    noise ^= noise >> 17;
+                    noise ^= noise << 5;
+                    row[x] = noise | 0xff000000u;
+                }
+            }
+            ASSERT_TRUE(writer->write(*frameViewOf(picture), i).ok());
+            if (i != kCutAfter[cut]) {
+                continue;
+            }
+            ++cut;
+            SCOPED_TRACE("cut after frame " + std::to_string(i));
+            const QString copy =
+                settings.path + QStringLiteral(".cut%1").arg(i) + "." + QLatin1String(c.extension);
+            ASSERT_TRUE(QFile::copy(settings.path, copy));
+            const ravelcue::test::VideoProbe probe = ravelcue::test::probeVideo(copy);
+            ASSERT_TRUE(probe.ok) << probe.errors.toStdString();
+            EXPECT_TRUE(probe.errors.isEmpty()) << probe.errors.toStdString();
+            EXPECT_GE(probe.frameCount, i + 1 - kRate);
+            EXPECT_NEAR(probe.durationSeconds, double(probe.frameCount) / kRate,
+                        0.25 + 1.0 / kRate);
+            auto reader = VideoFileReader::open(copy, error);
+            ASSERT_TRUE(reader) << error.text.toStdString();
+            EXPECT_EQ(reader->index()->count(), probe.frameCount);
+        }
+        EXPECT_TRUE(writer->finish().ok());
     }
 }
