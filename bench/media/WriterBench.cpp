@@ -1,7 +1,8 @@
 // How fast VideoFileWriter encodes and writes 640x480 pictures with each capture compressor,
 // its buffer emptied and the file's header brought up to date four times a second of video,
 // beside the ffmpeg command line encoding as many test pictures of that size with the same codec
-// into the same container, all at once.
+// into the same container, all at once. Wall time and CPU time (encoder threads and the ffmpeg
+// process included) for each.
 //
 //   ravelcue_writer_bench [--benchmark_filter=...]
 
@@ -12,6 +13,7 @@
 #include <cstdio>
 #include <spawn.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -25,6 +27,14 @@ using namespace ravelcue::media;
 using namespace ravelcue::media::ffmpeg;
 
 namespace {
+
+// CPU time of this process and of the children it waited for, encoder threads included.
+double cpuSeconds(int who) {
+    rusage usage{};
+    getrusage(who, &usage);
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
 
 constexpr int kWidth = 640;
 constexpr int kHeight = 480;
@@ -79,6 +89,7 @@ const std::vector<QImage>& pictures() {
 void writer(benchmark::State& state, const Compressor& compressor) {
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("bench.") + compressor.extension);
+    const double cpuBefore = cpuSeconds(RUSAGE_SELF);
     for (auto _ : state) {
         VideoFileSettings settings{path,    kWidth,           kHeight,
                                    {30, 1}, compressor.codec, compressor.bitRate};
@@ -97,6 +108,8 @@ void writer(benchmark::State& state, const Compressor& compressor) {
         }
         file->finish();
     }
+    state.counters["cpu_ms"] = benchmark::Counter((cpuSeconds(RUSAGE_SELF) - cpuBefore) * 1e3,
+                                                  benchmark::Counter::kAvgIterations);
     state.counters["fps"] =
         benchmark::Counter(double(kFrames), benchmark::Counter::kIsIterationInvariantRate);
 }
@@ -118,6 +131,7 @@ void ffmpegCli(benchmark::State& state, const Compressor& compressor) {
         argv.push_back(arg.data());
     }
     argv.push_back(nullptr);
+    const double cpuBefore = cpuSeconds(RUSAGE_CHILDREN);
     for (auto _ : state) {
         pid_t pid = 0;
         int status = 0;
@@ -127,6 +141,8 @@ void ffmpegCli(benchmark::State& state, const Compressor& compressor) {
             return;
         }
     }
+    state.counters["cpu_ms"] = benchmark::Counter((cpuSeconds(RUSAGE_CHILDREN) - cpuBefore) * 1e3,
+                                                  benchmark::Counter::kAvgIterations);
     state.counters["fps"] =
         benchmark::Counter(double(kFrames), benchmark::Counter::kIsIterationInvariantRate);
 }
