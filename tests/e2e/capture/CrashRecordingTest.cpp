@@ -171,8 +171,9 @@ TEST_P(KilledRecording, LeavesAFileThatReadsToWithinASecondOfTheKill) {
     const double handedSeconds = double(atKill.framesWritten + atKill.framesDropped) / kDemoRate;
     const double fileSeconds = reader->index()->durationMs() / 1000;
     EXPECT_GE(fileSeconds, handedSeconds - kLostMsAtMost / 1000.0);
-    // The header's length is that of the frames in the file.
-    EXPECT_NEAR(probe.durationSeconds, fileSeconds, 1.5 / kDemoRate);
+    // The header's length is that of the frames in the file, to within the quarter second between
+    // refreshes (an ASF muxer keeps the pictures of its unfinished packet to itself).
+    EXPECT_NEAR(probe.durationSeconds, fileSeconds, 0.25 + 1.0 / kDemoRate);
 
     // Stepped through as the player steps: every frame decodes and is the picture taken at its
     // time, so the last one is where the file says it ends.
