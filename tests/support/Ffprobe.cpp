@@ -35,6 +35,7 @@ VideoProbe probeVideo(const QString& path) {
     probe.width = stream.value(QStringLiteral("width")).toInt();
     probe.height = stream.value(QStringLiteral("height")).toInt();
     probe.frameCount = stream.value(QStringLiteral("nb_read_frames")).toString().toInt();
+    probe.errors = QString::fromLocal8Bit(ffprobe.readAllStandardError()).trimmed();
     const QStringList rate =
         stream.value(QStringLiteral("avg_frame_rate")).toString().split(QLatin1Char('/'));
     if (rate.size() == 2 && rate[1].toDouble() != 0) {

@@ -18,6 +18,7 @@ struct VideoProbe {
     int frameCount = 0;
     double frameRate = 0;       // the stream's average rate
     double durationSeconds = 0; // of the container
+    QString errors;             // what ffprobe complained of while reading every frame
 };
 
 VideoProbe probeVideo(const QString& path);

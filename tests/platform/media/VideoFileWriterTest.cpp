@@ -1,6 +1,7 @@
 #include "platform/media/ffmpeg/VideoFileWriter.h"
 
 #include "platform/media/ffmpeg/ImageFrames.h"
+#include "platform/media/ffmpeg/VideoFileReader.h"
 #include "support/Ffprobe.h"
 #include "support/TempFolder.h"
 
@@ -143,10 +144,12 @@ TEST(VideoFileWriter, GapsKeepTimeAndWhatCannotBeWrittenIsRefused) {
     }
 }
 
-// What a recording cut short by a crash keeps: whatever the writer had handed to the file a second
-// of video ago is on disk, without finish(). The pictures are small, so the write buffer never
-// fills on its own; and it is emptied no more than once a second, so throughput does not suffer.
-TEST(VideoFileWriter, WrittenDataReachesTheDiskWithinASecondOfVideo) {
+// What a recording cut short by a crash keeps: whatever the writer had handed to the file a quarter
+// second of video ago is on disk, without finish(). The pictures are small, so the write buffer
+// never fills on its own; and it is emptied no more than four times a second, so throughput does
+// not suffer.
+TEST(VideoFileWriter, WrittenDataReachesTheDiskWithinAQuarterSecondOfVideo) {
+    constexpr int kFlushesPerSecond = 4;
     constexpr int kRate = 10;
     constexpr int kSeconds = 4;
     const Case cases[] = {{VideoCodec::Mjpeg, "avi", "mjpeg"},
@@ -180,10 +183,95 @@ TEST(VideoFileWriter, WrittenDataReachesTheDiskWithinASecondOfVideo) {
             // Emptied: the file grew to all that was handed over.
             flushes += onDisk != before && onDisk == handedOver.back() ? 1 : 0;
             before = onDisk;
-            if (i >= kRate) {
-                EXPECT_GE(onDisk, handedOver[static_cast<size_t>(i - kRate)]) << "frame " << i;
+            constexpr int kFramesPerFlush = (kRate + kFlushesPerSecond - 1) / kFlushesPerSecond;
+            if (i >= kFramesPerFlush) {
+                EXPECT_GE(onDisk, handedOver[static_cast<size_t>(i - kFramesPerFlush)])
+                    << "frame " << i;
             }
         }
-        EXPECT_LE(flushes, kSeconds) << "the buffer is emptied more than once a second";
+        EXPECT_LE(flushes, kSeconds * kFlushesPerSecond) << "the buffer is emptied too often";
+    }
+}
+
+// A recording killed outright leaves the file as it stands on disk: what the writer last emptied
+// into it, and perhaps part of what followed, when the buffer filled on its own. Such files, cut
+// off at moments of a recording and part way into what followed the last refresh, read whole in
+// ffprobe and in our reader: the header tells the frames there, to within the quarter second
+// between refreshes, and those are all but the last second's at most. The pictures are noise, as
+// large as a camera's after compression: an ASF muxer keeps a packet of a few kilobytes to itself
+// until it fills, which nearly empty pictures would fill only slowly.
+TEST(VideoFileWriter, AFileCutOffBetweenRefreshesReadsWhole) {
+    constexpr int kRate = 30;
+    constexpr int kCutAfter[] = {20, 37, 55};
+    const Case cases[] = {{VideoCodec::Mjpeg, "avi", "mjpeg"},
+                          {VideoCodec::H264, "avi", "h264"},
+                          {VideoCodec::Ffv1, "avi", "ffv1"},
+                          {VideoCodec::Wmv2, "wmv", "wmv2"}};
+    TempFolder folder;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.codecName) + " in " + c.extension);
+        const VideoFileSettings settings{
+            folder.file(QStringLiteral("cut_%1.%2")
+                            .arg(QLatin1String(c.codecName), QLatin1String(c.extension))),
+            160,
+            120,
+            {kRate, 1},
+            c.codec,
+            c.codec == VideoCodec::Wmv2 ? 1'500'000 : 0};
+        MediaError error;
+        auto writer = VideoFileWriter::open(settings, error);
+        ASSERT_TRUE(writer) << error.text.toStdString();
+        // The file's length when the writer last emptied its buffer.
+        std::int64_t refreshed = 0;
+        for (int i = 0, cut = 0; i <= kCutAfter[std::size(kCutAfter) - 1]; ++i) {
+            QImage picture(160, 120, QImage::Format_RGB32);
+            std::uint32_t noise = 2463534242u + std::uint32_t(i);
+            for (int y = 0; y < picture.height(); ++y) {
+                auto* row = reinterpret_cast<std::uint32_t*>(picture.scanLine(y));
+                for (int x = 0; x < picture.width(); ++x) {
+                    noise ^= noise << 13;
+                    noise ^= noise >> 17;
+                    noise ^= noise << 5;
+                    row[x] = noise | 0xff000000u;
+                }
+            }
+            ASSERT_TRUE(writer->write(*frameViewOf(picture), i).ok());
+            const auto onDisk =
+                static_cast<std::int64_t>(std::filesystem::file_size(settings.path.toStdString()));
+            if (onDisk == writer->bytesWritten()) {
+                refreshed = onDisk;
+            }
+            if (i != kCutAfter[cut]) {
+                continue;
+            }
+            ++cut;
+            QFile file(settings.path);
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            const QByteArray whole = file.readAll();
+            std::vector<std::int64_t> lengths{onDisk};
+            if (onDisk > refreshed + 1) {
+                lengths.push_back((refreshed + onDisk) / 2 | 1);
+            }
+            for (const std::int64_t length : lengths) {
+                SCOPED_TRACE("cut after frame " + std::to_string(i) + " at byte " +
+                             std::to_string(length));
+                const QString copy =
+                    settings.path + QStringLiteral(".%1.").arg(length) + QLatin1String(c.extension);
+                QFile out(copy);
+                ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+                out.write(whole.left(length));
+                out.close();
+                const ravelcue::test::VideoProbe probe = ravelcue::test::probeVideo(copy);
+                ASSERT_TRUE(probe.ok) << probe.errors.toStdString();
+                EXPECT_TRUE(probe.errors.isEmpty()) << probe.errors.toStdString();
+                EXPECT_GE(probe.frameCount, i + 1 - kRate);
+                EXPECT_NEAR(probe.durationSeconds, double(probe.frameCount) / kRate,
+                            0.25 + 1.0 / kRate);
+                auto reader = VideoFileReader::open(copy, error);
+                ASSERT_TRUE(reader) << error.text.toStdString();
+                EXPECT_EQ(reader->index()->count(), probe.frameCount);
+            }
+        }
+        EXPECT_TRUE(writer->finish().ok());
     }
 }

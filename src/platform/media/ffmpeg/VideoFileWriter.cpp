@@ -1,5 +1,6 @@
 #include "VideoFileWriter.h"
 
+#include "HeaderRefresh.h"
 #include "ImageFrames.h"
 
 #include <algorithm>
@@ -135,6 +136,10 @@ public:
                            code);
         }
         headerWritten_ = true;
+        if (format_->pb != nullptr) {
+            avio_flush(format_->pb);
+            refresh_ = HeaderRefresh::forHeader(format_->oformat->name, headerAsWritten());
+        }
 
         converted_ = makeFrame();
         packet_ = makePacket();
@@ -196,7 +201,7 @@ public:
         ++framesWritten_;
         const MediaError drained = drain();
         if (drained.ok()) {
-            flushEverySecond(frameIndex);
+            flushAndRefresh(frameIndex);
         }
         return drained;
     }
@@ -315,6 +320,10 @@ private:
             packet_->duration = 1;
             av_packet_rescale_ts(packet_.get(), codec_->time_base, stream_->time_base);
             packet_->stream_index = stream_->index;
+            ++written_.packets;
+            written_.lastDts = packet_->dts;
+            written_.endTime100ns = av_rescale_q(packet_->pts + packet_->duration,
+                                                 stream_->time_base, AVRational{1, 10'000'000});
             code = av_interleaved_write_frame(format_.get(), packet_.get());
             av_packet_unref(packet_.get());
             if (code < 0) {
@@ -328,22 +337,36 @@ private:
         }
     }
 
-    // Hands what the muxer holds in its write buffer to the system once a second of video (a
-    // recording's frame numbers follow its capture time), so that a recording cut short by a
-    // crash loses no more than that second. The first frame goes out at once. Emptying it more
-    // often would only cost throughput.
-    void flushEverySecond(std::int64_t frameIndex) {
-        if (format_->pb == nullptr) {
+    // Hands what the muxer holds in its write buffer to the system four times a second of video
+    // (a recording's frame numbers follow its capture time), and brings the header up to date
+    // with it, so that a recording cut short by a crash reads whole and loses no more than the
+    // frames the encoder still holds and that quarter second. The first frame goes out at once.
+    // Emptying it more often would only cost throughput.
+    void flushAndRefresh(std::int64_t frameIndex) {
+        if (format_->pb == nullptr || frameIndex < nextFlushIndex_) {
             return;
         }
-        if (frameIndex >= nextFlushIndex_) {
-            avio_flush(format_->pb);
-            nextFlushIndex_ = frameIndex + framesPerSecond();
+        avio_flush(format_->pb);
+        if (refresh_) {
+            written_.fileBytes = avio_tell(format_->pb);
+            refresh_->refresh(*format_->pb, written_);
         }
+        nextFlushIndex_ = frameIndex + framesPerFlush();
     }
 
-    std::int64_t framesPerSecond() const {
-        return std::max<std::int64_t>(1, std::llround(av_q2d(settings_.frameRate)));
+    std::int64_t framesPerFlush() const {
+        constexpr double kFlushesPerSecond = 4;
+        return std::max<std::int64_t>(
+            1, std::llround(std::ceil(av_q2d(settings_.frameRate) / kFlushesPerSecond)));
+    }
+
+    // The start of the file as the muxer wrote it, read back.
+    QByteArray headerAsWritten() const {
+        QFile file(settings_.path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            return {};
+        }
+        return file.read(HeaderRefresh::kHeaderBytesRead);
     }
 
     MediaError remember(const MediaError& error) {
@@ -358,6 +381,8 @@ private:
     SwsPtr sws_;
     FramePtr converted_;
     PacketPtr packet_;
+    std::unique_ptr<HeaderRefresh> refresh_;
+    WrittenSoFar written_;
     std::int64_t lastIndex_ = -1;
     std::int64_t nextFlushIndex_ = 0;
     std::int64_t framesWritten_ = 0;
