@@ -218,7 +218,6 @@ void playPart(ffmpeg::FfmpegEngine& engine, const Options& options, const QStrin
     std::vector<std::unique_ptr<PlayerInstance>> players;
     for (int i = 0; i < kDemoCameraCount; ++i) {
         auto player = engine.createPlayer(i);
-        player->SetConnected(true);
         const MediaError opened = player->PlayerOpen(recordingPath(folder, i));
         if (!opened.ok()) {
             std::printf("  cannot open %s: %s\n", qPrintable(recordingPath(folder, i)),
