@@ -55,14 +55,10 @@ CodecSettingsDialog::CodecSettingsDialog(const QString& compressor, const CodecS
     }
     layout->addLayout(fields);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    auto* ok = ui::makeDialogButton(this, QStringLiteral("cmdOK"), QStringLiteral("OK"));
-    auto* cancel = ui::makeDialogButton(this, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"),
-                                        QStringLiteral("Click to cancel"));
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
+    const ui::DialogButtonRow buttons = ui::makeOkCancelRow(this);
+    QPushButton* ok = buttons.ok;
+    QPushButton* cancel = buttons.cancel;
+    layout->addLayout(buttons.row);
     connect(ok, &QPushButton::clicked, this, [this, h264] {
         if (spnQuality_ != nullptr) {
             settings_.MjpegQuality = spnQuality_->value();

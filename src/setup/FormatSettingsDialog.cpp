@@ -34,14 +34,10 @@ FormatSettingsDialog::FormatSettingsDialog(std::vector<media::VideoMode> modes,
     lstModes_->setCurrentRow(current);
     layout->addWidget(lstModes_);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    auto* ok = ui::makeDialogButton(this, QStringLiteral("cmdOK"), QStringLiteral("OK"));
-    auto* cancel = ui::makeDialogButton(this, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"),
-                                        QStringLiteral("Click to cancel"));
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
+    const ui::DialogButtonRow buttons = ui::makeOkCancelRow(this);
+    QPushButton* ok = buttons.ok;
+    QPushButton* cancel = buttons.cancel;
+    layout->addLayout(buttons.row);
     ok->setEnabled(current >= 0);
     connect(lstModes_, &QListWidget::currentRowChanged, ok,
             [ok](int row) { ok->setEnabled(row >= 0); });

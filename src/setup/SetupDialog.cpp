@@ -120,17 +120,13 @@ SetupDialog::SetupDialog(SetupServices services, QWidget* owner)
     lower->addWidget(buildMiscFrame());
     layout->addLayout(lower);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    auto* ok = ui::makeDialogButton(this, QStringLiteral("cmdOK"), QStringLiteral("OK"));
-    auto* cancel = ui::makeDialogButton(this, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"),
-                                        QStringLiteral("Click to cancel"));
+    const ui::DialogButtonRow buttons = ui::makeOkCancelRow(this);
+    QPushButton* ok = buttons.ok;
+    QPushButton* cancel = buttons.cancel;
     auto* help = ui::makeDialogButton(this, QStringLiteral("cmdHelp"), QStringLiteral("Help"),
                                       QStringLiteral("Click for help"));
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    buttons->addWidget(help);
-    layout->addLayout(buttons);
+    buttons.row->addWidget(help);
+    layout->addLayout(buttons.row);
     connect(ok, &QPushButton::clicked, this, &SetupDialog::cmdOK_Click);
     connect(cancel, &QPushButton::clicked, this, &SetupDialog::reject);
     connect(help, &QPushButton::clicked, this, [this] { services_.help.showTopic(160); });

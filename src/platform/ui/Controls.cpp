@@ -5,6 +5,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -43,6 +44,17 @@ QPushButton* makeDialogButton(QWidget* parent, const QString& name, const QStrin
     button->setToolTip(toolTip);
     button->setAutoDefault(false);
     return button;
+}
+
+DialogButtonRow makeOkCancelRow(QWidget* dialog) {
+    DialogButtonRow buttons{
+        new QHBoxLayout, makeDialogButton(dialog, QStringLiteral("cmdOK"), QStringLiteral("OK")),
+        makeDialogButton(dialog, QStringLiteral("cmdCancel"), QStringLiteral("Cancel"),
+                         QStringLiteral("Click to cancel"))};
+    buttons.row->addStretch();
+    buttons.row->addWidget(buttons.ok);
+    buttons.row->addWidget(buttons.cancel);
+    return buttons;
 }
 
 QLabel* makeDialogLabel(QWidget* parent, const QString& name, const QString& text) {

@@ -6,6 +6,7 @@
 class QCheckBox;
 class QComboBox;
 class QFrame;
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QObject;
@@ -26,6 +27,14 @@ QPushButton* makeButton(QWidget* parent, const QString& name, const QString& cap
 // A button of a dialog laid out by a layout: named, and never pressed by Enter from elsewhere.
 QPushButton* makeDialogButton(QWidget* parent, const QString& name, const QString& caption,
                               const QString& toolTip = {});
+// The right-aligned "OK" and "Cancel" (cmdOK, cmdCancel) of a dialog; more buttons may be added
+// to the row after them.
+struct DialogButtonRow {
+    QHBoxLayout* row;
+    QPushButton* ok;
+    QPushButton* cancel;
+};
+DialogButtonRow makeOkCancelRow(QWidget* dialog);
 QLabel* makeDialogLabel(QWidget* parent, const QString& name, const QString& text);
 QCheckBox* makeCheckBox(QWidget* parent, const QString& name, const QString& caption,
                         const QString& toolTip, const QRect& geometry);
