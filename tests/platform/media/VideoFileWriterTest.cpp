@@ -49,16 +49,22 @@ struct Case {
     const char* codecName;
 };
 
+// A file named after its case, for pictures of the given size and rate; WMV takes a bit rate.
+VideoFileSettings settingsOf(const TempFolder& folder, const char* prefix, const Case& c,
+                             QSize size, int rate, int wmvBitRate) {
+    return {folder.file(QStringLiteral("%1_%2.%3")
+                            .arg(QLatin1String(prefix), QLatin1String(c.codecName),
+                                 QLatin1String(c.extension))),
+            size.width(),
+            size.height(),
+            {rate, 1},
+            c.codec,
+            c.codec == VideoCodec::Wmv2 ? wmvBitRate : 0};
+}
+
 void writeAndCheck(const TempFolder& folder, const Case& c) {
     SCOPED_TRACE(std::string(c.codecName) + " in " + c.extension);
-    const VideoFileSettings settings{
-        folder.file(QStringLiteral("out_%1.%2")
-                        .arg(QLatin1String(c.codecName), QLatin1String(c.extension))),
-        320,
-        240,
-        {25, 1},
-        c.codec,
-        c.codec == VideoCodec::Wmv2 ? 1'500'000 : 0};
+    const VideoFileSettings settings = settingsOf(folder, "out", c, {320, 240}, 25, 1'500'000);
     MediaError error;
     auto writer = VideoFileWriter::open(settings, error);
     ASSERT_TRUE(writer) << error.text.toStdString();
@@ -159,14 +165,7 @@ TEST(VideoFileWriter, WrittenDataReachesTheDiskWithinAQuarterSecondOfVideo) {
     TempFolder folder;
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.codecName) + " in " + c.extension);
-        const VideoFileSettings settings{
-            folder.file(QStringLiteral("flush_%1.%2")
-                            .arg(QLatin1String(c.codecName), QLatin1String(c.extension))),
-            64,
-            48,
-            {kRate, 1},
-            c.codec,
-            c.codec == VideoCodec::Wmv2 ? 100'000 : 0};
+        const VideoFileSettings settings = settingsOf(folder, "flush", c, {64, 48}, kRate, 100'000);
         MediaError error;
         auto writer = VideoFileWriter::open(settings, error);
         ASSERT_TRUE(writer) << error.text.toStdString();
@@ -210,14 +209,8 @@ TEST(VideoFileWriter, AFileCutOffBetweenRefreshesReadsWhole) {
     TempFolder folder;
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.codecName) + " in " + c.extension);
-        const VideoFileSettings settings{
-            folder.file(QStringLiteral("cut_%1.%2")
-                            .arg(QLatin1String(c.codecName), QLatin1String(c.extension))),
-            160,
-            120,
-            {kRate, 1},
-            c.codec,
-            c.codec == VideoCodec::Wmv2 ? 1'500'000 : 0};
+        const VideoFileSettings settings =
+            settingsOf(folder, "cut", c, {160, 120}, kRate, 1'500'000);
         MediaError error;
         auto writer = VideoFileWriter::open(settings, error);
         ASSERT_TRUE(writer) << error.text.toStdString();
