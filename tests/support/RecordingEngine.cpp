@@ -166,7 +166,15 @@ public:
     RecordingPlayer(Log log, int index, Files files)
         : Recorder(std::move(log), QStringLiteral("player%1").arg(index))
         , view_(new media::VideoView)
-        , files_(std::move(files)) {}
+        , files_(std::move(files)) {
+        // Connected first, so the window finds the counted length when the signal reaches it.
+        connect(this, &media::PlayerInstance::lengthKnown, this, [this] {
+            if (file_.countedDurationMs > 0) {
+                file_.durationMs = file_.countedDurationMs;
+                file_.frameCount = file_.countedFrameCount;
+            }
+        });
+    }
     ~RecordingPlayer() override { delete view_.data(); }
 
     void SetConnected(bool c) override {
