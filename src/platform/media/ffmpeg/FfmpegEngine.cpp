@@ -39,6 +39,9 @@ FfmpegEngine::FfmpegEngine(ToneBus& tones, FfmpegEngineOptions options) {
     // Encoders and devices talk a lot at their default level; errors are all we report.
     av_log_set_level(AV_LOG_ERROR);
     context_ = std::make_shared<EngineContext>(tones, seedFrom(options));
+    if (!options.frameIndexFolder.isEmpty()) {
+        context_->frameIndexes = std::make_shared<const FrameIndexCache>(options.frameIndexFolder);
+    }
 }
 
 FfmpegEngine::~FfmpegEngine() = default;
@@ -52,7 +55,8 @@ std::unique_ptr<CaptureInstance> FfmpegEngine::createCapture(int) {
 }
 
 std::unique_ptr<PlayerInstance> FfmpegEngine::createPlayer(int) {
-    return std::make_unique<FfmpegPlayer>();
+    return std::make_unique<FfmpegPlayer>(std::make_shared<SteadyPlaybackClock>(), nullptr,
+                                          context_->frameIndexes);
 }
 
 std::unique_ptr<RecompressInstance> FfmpegEngine::createRecompress(int index) {

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 
+#include <QString>
+
 namespace ravelcue {
 class ToneBus;
 }
@@ -22,6 +24,9 @@ struct FfmpegEngineOptions {
     // demoBreak). Unset, each run draws different ones.
     std::uint64_t demoMicrophoneSeed = 0;
     bool randomDemoSeed = true;
+    // Where players keep the frame indexes of files they have read, so that a file opened again
+    // is exact at once. Empty keeps none.
+    QString frameIndexFolder;
 };
 
 // The media engine on FFmpeg: the machine's cameras (libavdevice) and microphones (Qt
