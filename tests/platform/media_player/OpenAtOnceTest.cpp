@@ -147,7 +147,8 @@ TEST(OpenAtOnceWorker, StepsForwardAtOnceFarSeeksWaitForTheIndex) {
         EXPECT_EQ(worker.position(), frame);
     }
     const int target = count - 20;
-    worker.seekToTime(times[static_cast<size_t>(target)] + 0.5, target);
+    // Reported near where the player stands, as the estimate may put it.
+    worker.seekToTime(times[static_cast<size_t>(target)] + 0.5, 11);
     EXPECT_FALSE(worker.waitSettled(std::chrono::milliseconds(300)))
         << "a seek by time was served before the index came";
     EXPECT_FALSE(worker.index()->exact());
