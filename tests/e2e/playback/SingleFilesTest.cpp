@@ -172,6 +172,7 @@ TEST(SingleFiles, TheTimelineTakesTheCountedLengthOfAFileCutShort) {
     ASSERT_EQ(w.slider().SelStart(), 5);
     ASSERT_EQ(w.slider().SelStart() + w.slider().SelLength(), atOpen);
 
+    w.waitShown();
     EXPECT_TRUE(QTest::qWaitFor([&] { return w.slider().maximum() == counted; }, 30000))
         << "the timeline still ends at " << w.slider().maximum();
     EXPECT_EQ(w.player(0).PlayerGetFrameCount(), frames);
