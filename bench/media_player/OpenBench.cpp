@@ -1,6 +1,8 @@
 #include "BenchSupport.h"
 #include "platform/media/ffmpeg/FfmpegPlayer.h"
+#include "platform/media/ffmpeg/FrameIndexCache.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
@@ -16,6 +18,8 @@ namespace ravelcue::bench {
 namespace {
 
 using media::ffmpeg::FfmpegPlayer;
+
+constexpr int kMinuteFrames = 60 * 30;
 
 const char* verdict(bool met) {
     return met ? "[target met]" : "[TARGET MISSED]";
@@ -124,13 +128,58 @@ double ffprobeHeaderMs(const QString& path) {
     return msSince(start);
 }
 
-double openMs(const QString& path) {
-    FfmpegPlayer player;
+double openMs(const QString& path,
+              const std::shared_ptr<const media::ffmpeg::FrameIndexCache>& cache = {}) {
+    FfmpegPlayer player(std::make_shared<media::ffmpeg::SteadyPlaybackClock>(), nullptr, cache);
     const auto start = Clock::now();
     if (!player.PlayerOpen(path).ok() || !player.waitForFrame()) {
         return -1;
     }
     return msSince(start);
+}
+
+bool samePicture(FfmpegPlayer& player, int frame, const QImage& expected) {
+    return player.PlayerGetFrame() == frame &&
+           pictureDifference(player.pictureOnShow().convertToFormat(QImage::Format_RGB32),
+                             expected.convertToFormat(QImage::Format_RGB32)) <= 2;
+}
+
+// Straight after an open, before the frames are counted: the last frame and one in the middle,
+// against ffmpeg's pictures. The long files repeat the minute, so its pictures are the minute's.
+// Prints how long the seeks and the counting took; returns the wrong pictures.
+int checkFarSeeksAfterOpen(const QString& path, const QString& minute, int minutes) {
+    const int count = minutes * kMinuteFrames;
+    const std::vector<int> targets = {count - 1, count / 2 + 7};
+    std::vector<int> inMinute;
+    for (const int target : targets) {
+        inMinute.push_back(target % kMinuteFrames);
+    }
+    std::vector<int> ascending = inMinute;
+    std::sort(ascending.begin(), ascending.end());
+    const std::vector<QImage> pictures = ffmpegPictures(minute, ascending);
+    if (pictures.size() != ascending.size()) {
+        return static_cast<int>(targets.size());
+    }
+    int wrong = 0;
+    for (size_t i = 0; i < targets.size(); ++i) {
+        FfmpegPlayer player;
+        const auto start = Clock::now();
+        player.PlayerOpen(path);
+        player.PlayerSetFrame(targets[i]);
+        player.waitForFrame();
+        const double landed = msSince(start);
+        const auto at = std::find(ascending.begin(), ascending.end(), inMinute[i]);
+        const bool right =
+            samePicture(player, targets[i], pictures[static_cast<size_t>(at - ascending.begin())]);
+        player.waitForLength();
+        const double exact = msSince(start);
+        wrong += right && player.PlayerGetFrameCount() == count ? 0 : 1;
+        std::printf("         open, then frame %6d on show after %7.1f ms%s; exact length (%d "
+                    "frames) after %7.1f ms\n",
+                    targets[i], landed, right ? "" : " WRONG PICTURE", player.PlayerGetFrameCount(),
+                    exact);
+    }
+    return wrong;
 }
 
 } // namespace
@@ -140,6 +189,9 @@ int runOpenBench() {
     std::printf("\nOpening long 1080p H.264 recordings (made once into %s)...\n",
                 qPrintable(folder));
     std::fflush(stdout);
+    QTemporaryDir indexFolder;
+    const auto indexCache =
+        std::make_shared<const media::ffmpeg::FrameIndexCache>(indexFolder.path());
     int missed = 0;
     double oneMinute = 0;
     for (const int minutes : {1, 10, 40}) {
@@ -151,21 +203,29 @@ int runOpenBench() {
         openMs(path); // into the page cache: the figures are for a warm file
         std::vector<double> opens;
         std::vector<double> probes;
+        std::vector<double> kept;
+        openMs(path, indexCache); // keeps the index
         for (int run = 0; run < 5; ++run) {
             opens.push_back(openMs(path));
             probes.push_back(ffprobeHeaderMs(path));
+            kept.push_back(openMs(path, indexCache));
         }
         const Figures open = figuresOf(opens);
         const Figures probe = figuresOf(probes);
+        const Figures keptOpen = figuresOf(kept);
         if (minutes == 1) {
             oneMinute = open.median;
         }
         std::printf("  %2d min: open to first frame median %7.1f ms, peer ffprobe header %6.1f ms "
-                    "(ratio %.2f)\n",
-                    minutes, open.median, probe.median, open.median / probe.median);
+                    "(ratio %.2f); with the index kept %6.1f ms (ratio %.2f)\n",
+                    minutes, open.median, probe.median, open.median / probe.median, keptOpen.median,
+                    keptOpen.median / probe.median);
+        const int wrong = checkFarSeeksAfterOpen(path, longRecording(folder, 1), minutes);
+        missed += wrong == 0 ? 0 : 1;
         if (minutes == 40) {
-            const bool met = open.median < 150.0 && open.median <= 1.5 * oneMinute;
-            std::printf("  40 min / 1 min open: %.2f (at most 1.50), 40 min under 150 ms  %s\n",
+            const bool met = open.median < 150.0 && open.median <= 1.5 * oneMinute && wrong == 0;
+            std::printf("  40 min / 1 min open: %.2f (at most 1.50), 40 min under 150 ms, "
+                        "pictures right  %s\n",
                         open.median / oneMinute, verdict(met));
             missed += met ? 0 : 1;
         }

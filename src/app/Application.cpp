@@ -81,9 +81,12 @@ int runRavelcue(int& argc, char** argv, const RunOptions& options) {
     popup.ShowPopup(QStringLiteral("Loading Ravelcue. Please standby...."), 0);
 
     ToneBus tones;
-    media::ffmpeg::FfmpegEngine engine(tones);
-    QSettingsStore store;
     const AppPaths paths{commonDataFolder(), programFolder(QCoreApplication::applicationDirPath())};
+    media::ffmpeg::FfmpegEngineOptions engineOptions;
+    // Frame indexes of the videos opened, so that one opened again is exact at once.
+    engineOptions.frameIndexFolder = paths.dataFolder() + QStringLiteral("/Cache");
+    media::ffmpeg::FfmpegEngine engine(tones, engineOptions);
+    QSettingsStore store;
     ui::SystemDesktop desktop;
 
     MainWindow window({store, engine, prompts, popup, clock, tones, paths, desktop});

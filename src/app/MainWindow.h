@@ -72,6 +72,9 @@ struct AppPaths {
     QString commonDataFolder;
     // The folder of the program file: help topics and spoken commands lie beside it.
     QString programFolder;
+
+    // The program's data folder: recordings, images, and what it keeps for itself.
+    QString dataFolder() const { return commonDataFolder + QStringLiteral("/Ravelcue"); }
 };
 
 // What the main window is built from; it owns none of it.

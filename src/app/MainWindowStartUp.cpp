@@ -66,8 +66,7 @@ void MainWindow::Form_Load() {
     }
 
     // 9: the data folder, made with its two subfolders when missing.
-    state_.AppDataDir =
-        (services_.paths.commonDataFolder + QStringLiteral("/Ravelcue")).toStdString();
+    state_.AppDataDir = services_.paths.dataFolder().toStdString();
     const QDir dataFolder(QString::fromStdString(state_.AppDataDir));
     QDir().mkpath(dataFolder.filePath(QStringLiteral("Videos")));
     QDir().mkpath(dataFolder.filePath(QStringLiteral("Images")));

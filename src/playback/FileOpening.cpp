@@ -14,6 +14,8 @@
 #include "platform/ui/StatusPanels.h"
 #include "platform/ui/WindowContext.h"
 
+#include <algorithm>
+
 #include <QAction>
 #include <QFileInfo>
 #include <QFrame>
@@ -42,7 +44,12 @@ FileOpening::FileOpening(ui::WindowContext& context, PlayerPanes& panes, RunEdit
     , frame_(frame)
     , transport_(transport)
     , markers_(markers)
-    , menus_(menus) {}
+    , menus_(menus) {
+    for (int i = 0; i < kCameraCount; ++i) {
+        connect(&context_.media.play(i), &media::PlayerInstance::lengthKnown, this,
+                [this, i] { lengthKnown(i); });
+    }
+}
 
 std::optional<std::string> FileOpening::askForFile(bool video) {
     const AppState& state = context_.state;
@@ -231,6 +238,26 @@ void FileOpening::cmdLoadVideo_Click() {
     showVideoStatus(title);
     frame_.slider1()->setSteps(
         sliderStep(context_.media.play(indexPlayer(state)).PlayerGetDuration()));
+}
+
+void FileOpening::lengthKnown(int player) {
+    AppState& state = context_.state;
+    if (state.CurrentState != "PlayVideoFile" || player != indexPlayer(state)) {
+        return;
+    }
+    const media::PlayerInstance& instance = context_.media.play(player);
+    Timeline& slider = *frame_.slider1();
+    slider.setSteps(sliderStep(instance.PlayerGetDuration()));
+    // A region drawn meanwhile ends within the timeline.
+    Region region = regionOf(slider, state);
+    region.SelStart = std::min(region.SelStart, slider.maximum());
+    region.SelLength = std::min(region.SelLength, slider.maximum() - region.SelStart);
+    applyRegion(slider, state, region);
+    const auto k = static_cast<size_t>(player);
+    context_.status.setPanel(
+        3, qtext(sizeText(state.VideoWidth[k], state.VideoHeight[k], instance.PlayerGetFrameCount(),
+                          instance.PlayerGetDuration())));
+    transport_.showPositionText();
 }
 
 void FileOpening::cmdLoadImage_Click() {

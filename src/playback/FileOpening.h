@@ -46,6 +46,9 @@ public:
     // 0..3 shows that player alone, 4 shows all. No player is touched.
     void mnuPlayer_Click(int index);
     void PictureDoubleClick(int index);
+    // A long video opens on the header's estimate of its length; when the player has counted its
+    // frames, the timeline, its region and the status take the exact length.
+    void lengthKnown(int player);
 
 private:
     enum class Opened { SingleVideo, VideoSet, SingleImage, ImageSet };

@@ -93,8 +93,10 @@ protected:
             GTEST_SKIP() << "no PulseAudio server to play into and record from (pulseaudio and "
                             "pactl are needed)";
         }
-        engine_ = std::make_unique<media::ffmpeg::FfmpegEngine>(
-            tones_, media::ffmpeg::FfmpegEngineOptions{1, false, {}});
+        media::ffmpeg::FfmpegEngineOptions options;
+        options.demoMicrophoneSeed = 1;
+        options.randomDemoSeed = false;
+        engine_ = std::make_unique<media::ffmpeg::FfmpegEngine>(tones_, std::move(options));
     }
 
     // The microphone on the input of that description, recording to `file`.

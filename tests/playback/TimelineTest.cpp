@@ -1,4 +1,5 @@
 #include "PlaybackWindow.h"
+#include "support/RecordingEngine.h"
 
 #include <gtest/gtest.h>
 
@@ -84,6 +85,39 @@ TEST_F(Timeline, OpeningAnotherFileClearsTheRegion) {
     EXPECT_EQ(w.slider().SelLength(), 0);
     EXPECT_EQ(w.slider().maximum(), 0) << "shorter than half a step";
     EXPECT_TRUE(seeks().isEmpty()) << "the open moved the thumb without seeking";
+}
+
+// A video whose header gives 12.34 s but holds 8.76 s: the timeline, a region drawn to its end and
+// the status follow the count when the player has it. A count of a longer file leaves the region.
+TEST(TimelineLength, TakesTheCountedLengthWhenThePlayerHasIt) {
+    PlaybackWindow w;
+    RecordingEngine::MediaFile& file = w.fixture.recorder.playerBehaviour()->defaultFile;
+    file.countedDurationMs = 8760;
+    file.countedFrameCount = 263;
+    w.openVideo(w.touch(w.videos("cut.avi")));
+    ASSERT_EQ(w.slider().maximum(), 123);
+    w.dragTimeline(100, 123, Qt::ShiftModifier, Qt::ShiftModifier);
+    ASSERT_EQ(w.slider().SelStart(), 100);
+    ASSERT_EQ(w.slider().SelLength(), 23);
+
+    emit w.player(0).lengthKnown();
+    EXPECT_EQ(w.slider().maximum(), 88);
+    EXPECT_EQ(w.slider().SelStart(), 88);
+    EXPECT_EQ(w.slider().SelLength(), 0);
+    EXPECT_EQ(w.fixture.panel(3), "Size:640x480, Fps:30");
+    EXPECT_TRUE(w.fixture.panel(5).endsWith("/8.76")) << w.fixture.panel(5).toStdString();
+
+    file.countedDurationMs = 20000;
+    file.countedFrameCount = 600;
+    w.openVideo(w.videos("cut.avi"));
+    w.dragTimeline(20, 123, Qt::ShiftModifier, Qt::ShiftModifier);
+    emit w.player(0).lengthKnown();
+    EXPECT_EQ(w.slider().maximum(), 200);
+    EXPECT_EQ(w.slider().SelStart(), 20);
+    EXPECT_EQ(w.slider().SelLength(), 103);
+    // Another player's count is not the timeline's.
+    emit w.player(1).lengthKnown();
+    EXPECT_EQ(w.slider().maximum(), 200);
 }
 
 } // namespace

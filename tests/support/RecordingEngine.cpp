@@ -167,7 +167,15 @@ public:
         : Recorder(std::move(log), QStringLiteral("player%1").arg(index))
         , view_(new media::VideoView)
         , index_(index)
-        , files_(std::move(files)) {}
+        , files_(std::move(files)) {
+        // Connected first, so the window finds the counted length when the signal reaches it.
+        connect(this, &media::PlayerInstance::lengthKnown, this, [this] {
+            if (file_.countedDurationMs > 0) {
+                file_.durationMs = file_.countedDurationMs;
+                file_.frameCount = file_.countedFrameCount;
+            }
+        });
+    }
     ~RecordingPlayer() override { delete view_.data(); }
 
     media::MediaError PlayerOpen(const QString& path) override {

@@ -46,6 +46,10 @@ public:
         double durationMs = 12340;
         int frameCount = 370;
         int openError = 0;
+        // When above are the header's words: the length the player counts after the open,
+        // taken on when its lengthKnown is raised (the test raises it).
+        double countedDurationMs = 0;
+        int countedFrameCount = 0;
     };
     // Files by path; any other path opens as defaultFile. Players move only when told to.
     struct PlayerBehaviour {

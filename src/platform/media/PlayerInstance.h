@@ -49,6 +49,9 @@ public:
     virtual QSize PlayerGetSize() const = 0;
     virtual double PlayerGetDuration() const = 0; // milliseconds
     virtual int PlayerGetFrameCount() const = 0;
+    // False while the count and duration are still the file header's estimate: a long file opens
+    // at once and its frames are counted meanwhile; lengthKnown tells when they are exact.
+    virtual bool lengthExact() const { return true; }
     virtual int PictureWidth() const = 0;
     virtual int PictureHeight() const = 0;
     // The part of the picture to show enlarged; four zeros show the whole picture.
@@ -75,6 +78,8 @@ public:
 signals:
     // The file played to its end. Not sent when a seek asked for after the end overtook it.
     void PlayerEnd();
+    // The frame count and duration are exact now, and may differ from what they were at open.
+    void lengthKnown();
 };
 
 } // namespace ravelcue::media

@@ -168,6 +168,8 @@ QString RealPlaybackWindow::copySet(const RecordedSet& set, int pick) {
 void RealPlaybackWindow::waitShown() {
     for (int i : playback::activePlayers(state())) {
         EXPECT_TRUE(real(i).waitForFrame()) << "player " << i;
+        // Lengths read by the test are the counted ones, not the header's.
+        real(i).waitForLength();
     }
     // The pictures reach the views through queued calls.
     QCoreApplication::processEvents();

@@ -39,7 +39,8 @@ public:
     }
     // Copies the recorded Set into the videos folder and returns the member of camera `pick`.
     QString copySet(const RecordedSet& set, int pick);
-    // Waits until each active player shows the frame last asked for and its view has it.
+    // Waits until each active player shows the frame last asked for and its view has it, and
+    // knows its exact length.
     void waitShown();
     // The demo stamp on the picture player i's view shows.
     media::DemoStamp stampOnShow(int i);

@@ -1,9 +1,12 @@
 #include "PlaybackE2e.h"
+#include "core/NumberFormat.h"
+#include "support/Ffprobe.h"
 #include "support/MediaFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -144,6 +147,41 @@ TEST(SingleFiles, BrokenFilesSayErrorAndTheWindowCarriesOn) {
     EXPECT_EQ(w.fixture.panel(1), "Video View");
     stepBy(w, 2);
     EXPECT_LT(meanDifference(w.player(0).view()->currentFrame(), extractFrame(good, 2)), 3.0);
+}
+
+// A copy that stopped half way, of an MP4 written with its index in front: the header says twice
+// the length the file holds. It opens on the header's word (long enough that the counting is not
+// done by then); once the player has counted its frames, the timeline, a region drawn up to its
+// end and the status take the real length.
+TEST(SingleFiles, TheTimelineTakesTheCountedLengthOfAFileCutShort) {
+    RealPlaybackWindow w;
+    const QString path = w.videos("cut.mp4");
+    ASSERT_TRUE(makeVideo(path, QStringLiteral("testsrc2=size=320x180:rate=30:duration=30"),
+                          {"-c:v", "mjpeg", "-q:v", "3", "-movflags", "+faststart"}));
+    QFile file(path);
+    ASSERT_TRUE(file.resize(file.size() / 2));
+    const int frames = probeVideo(path).frameCount;
+    ASSERT_GT(frames, 300);
+    ASSERT_LT(frames, 600);
+
+    w.openVideo(path);
+    ASSERT_EQ(w.fixture.prompts.texts(), QStringList());
+    const int counted = qRound(frames * 1000.0 / 30 / 100);
+    const int atOpen = w.slider().maximum();
+    w.dragTimeline(5, atOpen, Qt::ShiftModifier, Qt::ShiftModifier);
+    ASSERT_EQ(w.slider().SelStart(), 5);
+    ASSERT_EQ(w.slider().SelStart() + w.slider().SelLength(), atOpen);
+
+    w.waitShown();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return w.slider().maximum() == counted; }, 30000))
+        << "the timeline still ends at " << w.slider().maximum();
+    EXPECT_EQ(w.player(0).PlayerGetFrameCount(), frames);
+    EXPECT_EQ(w.slider().SelStart(), 5);
+    EXPECT_EQ(w.slider().SelStart() + w.slider().SelLength(), std::min(atOpen, counted));
+    EXPECT_EQ(w.fixture.panel(3), QStringLiteral("Size:320x180, Fps:30"));
+    EXPECT_TRUE(w.fixture.panel(5).endsWith(QStringLiteral("/") +
+                                            QString::fromStdString(Format(frames / 30.0, "#.00"))))
+        << w.fixture.panel(5).toStdString();
 }
 
 } // namespace

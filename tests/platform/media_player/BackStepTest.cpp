@@ -1,4 +1,5 @@
 #include "PlayerTestSupport.h"
+#include "platform/media/ffmpeg/FrameIndexing.h"
 #include "platform/media/ffmpeg/PlayerWorker.h"
 #include "platform/media/ffmpeg/VideoFileReader.h"
 #include "support/MediaFiles.h"
@@ -21,8 +22,10 @@ TEST(BackStep, TheGroupBeforeIsDecodedAheadWhileStandingStill) {
     ASSERT_TRUE(makeVideo(path, QStringLiteral("testsrc2=size=176x100:rate=25:duration=4"),
                           {"-c:v", "libx264", "-preset", "veryfast", "-g", "25", "-keyint_min",
                            "25", "-sc_threshold", "0", "-bf", "3", "-pix_fmt", "yuv420p"}));
+    IndexPackets packets;
+    ASSERT_TRUE(readIndexPackets(path, packets).ok());
     ravelcue::media::MediaError error;
-    auto source = VideoFileReader::open(path, error);
+    auto source = VideoFileReader::open(path, error, packets.build());
     ASSERT_TRUE(source);
     ASSERT_EQ(source->index()->keyframeAtOrBefore(60), 50);
     auto first = source->next();

@@ -169,6 +169,7 @@ TEST(PlayerPlayback, ClosedPlayersAndPositionsOutsideTheFileAreHarmless) {
     EXPECT_FALSE(player.PlayerSaveFrame(folder.file("none.jpg"), 90).ok());
 
     ASSERT_TRUE(player.PlayerOpen(makeClip(folder)).ok());
+    ASSERT_TRUE(player.waitForLength());
     const ravelcue::media::MediaError unwritable =
         player.PlayerSaveFrame(folder.file("none/none.jpg"), 90);
     EXPECT_EQ(unwritable.number, ravelcue::media::media_error::WriteFailed);
@@ -201,6 +202,7 @@ TEST(PlayerPlayback, MissingFilesSayWhyAndCutFilesPlayWhatTheyHold) {
     QFile cutAvi(avi);
     ASSERT_TRUE(cutAvi.resize(cutAvi.size() / 2));
     ASSERT_TRUE(player.PlayerOpen(avi).ok());
+    ASSERT_TRUE(player.waitForLength());
     const int frames = player.PlayerGetFrameCount();
     EXPECT_GT(frames, 10);
     EXPECT_LT(frames, 50);

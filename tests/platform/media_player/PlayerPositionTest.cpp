@@ -65,6 +65,7 @@ TEST_P(PlayerPositionTest, FramesAndTimesMatchFfmpeg) {
 
     FfmpegPlayer player;
     ASSERT_TRUE(player.PlayerOpen(path).ok());
+    ASSERT_TRUE(player.waitForLength());
     EXPECT_EQ(player.PlayerGetFrameCount(), count);
     EXPECT_EQ(player.PlayerGetSize(), QSize(176, 100));
     EXPECT_EQ(player.PlayerGetFrame(), 0.0);

@@ -2,6 +2,7 @@
 
 #include "../CaptureClock.h"
 #include "../demo/DemoCameraSource.h"
+#include "FrameIndexCache.h"
 #include "SystemDeviceCatalog.h"
 #include "core/ToneBus.h"
 
@@ -30,6 +31,8 @@ struct EngineContext {
     std::array<std::shared_ptr<DemoCameraPlug>, kDemoCameraCount> demoPlugs;
     ToneBus& tones;
     std::uint64_t demoMicrophoneSeed;
+    // Shared by every player; null when no folder was given.
+    std::shared_ptr<const FrameIndexCache> frameIndexes;
     // Recordings made by demo microphones so far: the k-th draws its breaks from seed + k.
     std::atomic<std::uint64_t> demoRecordings{0};
 };

@@ -40,6 +40,9 @@ FfmpegEngine::FfmpegEngine(ToneBus& tones, FfmpegEngineOptions options) {
     av_log_set_level(AV_LOG_ERROR);
     context_ =
         std::make_shared<EngineContext>(tones, seedFrom(options), std::move(options.addedCameras));
+    if (!options.frameIndexFolder.isEmpty()) {
+        context_->frameIndexes = std::make_shared<const FrameIndexCache>(options.frameIndexFolder);
+    }
 }
 
 FfmpegEngine::~FfmpegEngine() = default;
@@ -53,7 +56,8 @@ std::unique_ptr<CaptureInstance> FfmpegEngine::createCapture(int) {
 }
 
 std::unique_ptr<PlayerInstance> FfmpegEngine::createPlayer(int) {
-    return std::make_unique<FfmpegPlayer>();
+    return std::make_unique<FfmpegPlayer>(std::make_shared<SteadyPlaybackClock>(), nullptr,
+                                          context_->frameIndexes);
 }
 
 std::unique_ptr<RecompressInstance> FfmpegEngine::createRecompress(int index) {

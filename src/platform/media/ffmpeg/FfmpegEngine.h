@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include <QString>
+
 namespace ravelcue {
 class ToneBus;
 }
@@ -27,6 +29,9 @@ struct FfmpegEngineOptions {
     // Cameras the system does not list, opened through libavdevice as described: a screen
     // ("x11grab", ":0.0"), a network stream. They come after the system's cameras.
     std::vector<VideoDeviceEntry> addedCameras;
+    // Where players keep the frame indexes of files they have read, so that a file opened again
+    // is exact at once. Empty keeps none.
+    QString frameIndexFolder;
 };
 
 // The media engine on FFmpeg: the machine's cameras (libavdevice) and microphones (Qt

@@ -1,7 +1,10 @@
 #include "FfmpegPlayer.h"
 
 #include "../VideoView.h"
+#include "BackgroundIndexer.h"
 #include "FrameIndex.h"
+#include "FrameIndexCache.h"
+#include "FrameIndexing.h"
 #include "PlayerWorker.h"
 #include "VideoFileReader.h"
 
@@ -13,30 +16,51 @@
 
 namespace ravelcue::media::ffmpeg {
 
-FfmpegPlayer::FfmpegPlayer(std::shared_ptr<PlaybackClock> clock, QObject* parent)
+FfmpegPlayer::FfmpegPlayer(std::shared_ptr<PlaybackClock> clock, QObject* parent,
+                           std::shared_ptr<const FrameIndexCache> indexCache)
     : PlayerInstance(parent)
     , view_(new VideoView)
-    , clock_(std::move(clock)) {}
+    , clock_(std::move(clock))
+    , indexCache_(std::move(indexCache)) {}
 
 FfmpegPlayer::~FfmpegPlayer() {
+    indexer_.reset();
     worker_.reset(); // joins the thread before anything it calls back into goes
     delete view_.data();
 }
 
 MediaError FfmpegPlayer::PlayerOpen(const QString& path) {
     PlayerClose();
+    std::shared_ptr<const FrameIndex> known;
+    if (indexCache_) {
+        if (const std::optional<IndexPackets> cached = indexCache_->load(path)) {
+            known = cached->build();
+        }
+    }
     MediaError error;
-    std::unique_ptr<VideoFileReader> source = VideoFileReader::open(path, error);
+    std::unique_ptr<VideoFileReader> source = VideoFileReader::open(path, error, known);
     if (!source) {
         return error;
     }
     // A file whose first frame does not decode is of no use; say so now rather than show black.
     std::optional<DecodedFrame> first = source->next();
+    if (!first && !source->index()->exact()) {
+        // Nothing decodes from the start without knowing where the first keyframe lies (a file
+        // without keyframe flags): read the index first after all.
+        IndexPackets packets;
+        if (!readIndexPackets(path, packets)) {
+            source->adoptIndex(packets.build());
+            if (source->seekToKeyframe(0)) {
+                first = source->next();
+            }
+        }
+    }
     if (!first) {
         return {media_error::UnreadableFile,
                 QStringLiteral("No picture in %1 can be decoded").arg(path)};
     }
-    index_ = source->index();
+    const bool estimated = !source->index()->exact();
+    lengthTold_ = source->index();
     const bool sideways = source->rotationDegrees() % 180 != 0;
     pictureSize_ = sideways ? QSize(source->height(), source->width())
                             : QSize(source->width(), source->height());
@@ -59,14 +83,31 @@ MediaError FfmpegPlayer::PlayerOpen(const QString& path) {
             },
             Qt::QueuedConnection);
     };
+    callbacks.indexAdopted = [this, opening](std::shared_ptr<const FrameIndex> index) {
+        QMetaObject::invokeMethod(
+            this,
+            [this, opening, index] {
+                if (opening == openings_ && worker_) {
+                    tellLength(index);
+                }
+            },
+            Qt::QueuedConnection);
+    };
     worker_ = std::make_unique<PlayerWorker>(std::move(source), std::move(*first), clock_,
                                              std::move(callbacks));
+    if (estimated) {
+        indexer_ = std::make_unique<BackgroundIndexer>(
+            path, indexCache_, [worker = worker_.get()](std::shared_ptr<const FrameIndex> index) {
+                worker->adoptIndex(std::move(index));
+            });
+    }
     return MediaError::none();
 }
 
 void FfmpegPlayer::PlayerClose() {
+    indexer_.reset();
     worker_.reset();
-    index_.reset();
+    lengthTold_.reset();
     pictureSize_ = {};
     {
         QMutexLocker lock(&shownMutex_);
@@ -105,14 +146,20 @@ void FfmpegPlayer::PlayerSetRate(double rate) {
 }
 
 double FfmpegPlayer::PlayerGetPos() const {
-    return worker_ ? index_->timeMs(worker_->position()) : 0.0;
+    return worker_ ? index()->timeMs(worker_->position()) : 0.0;
 }
 
 void FfmpegPlayer::PlayerSetPos(double ms) {
     if (!worker_) {
         return;
     }
-    worker_->seek(index_->frameAt(std::isfinite(ms) ? ms : 0.0));
+    const double bounded = std::isfinite(ms) ? ms : 0.0;
+    const std::shared_ptr<const FrameIndex> frames = index();
+    if (frames->exact()) {
+        worker_->seek(frames->frameAt(bounded));
+    } else {
+        worker_->seekToTime(bounded, frames->frameAt(bounded));
+    }
     if (view_) {
         view_->update();
     }
@@ -127,7 +174,10 @@ void FfmpegPlayer::PlayerSetFrame(double frame) {
         return;
     }
     const double bounded = std::isfinite(frame) ? std::clamp(frame, -1.0, 9.0e15) : 0.0;
-    worker_->seek(index_->clampFrame(static_cast<std::int64_t>(std::nearbyint(bounded))));
+    const auto wanted = static_cast<std::int64_t>(std::nearbyint(bounded));
+    // The estimate's count is only the header's word; the worker clamps once the index is read.
+    const std::shared_ptr<const FrameIndex> frames = index();
+    worker_->seek(frames->exact() ? frames->clampFrame(wanted) : std::max<std::int64_t>(0, wanted));
 }
 
 QSize FfmpegPlayer::PlayerGetSize() const {
@@ -135,7 +185,7 @@ QSize FfmpegPlayer::PlayerGetSize() const {
 }
 
 double FfmpegPlayer::PlayerGetDuration() const {
-    return index_ ? index_->durationMs() : 0.0;
+    return worker_ ? index()->durationMs() : 0.0;
 }
 
 bool FfmpegPlayer::PlayerAnswers(std::chrono::milliseconds within) const {
@@ -143,7 +193,30 @@ bool FfmpegPlayer::PlayerAnswers(std::chrono::milliseconds within) const {
 }
 
 int FfmpegPlayer::PlayerGetFrameCount() const {
-    return index_ ? static_cast<int>(index_->count()) : 0;
+    return worker_ ? static_cast<int>(index()->count()) : 0;
+}
+
+bool FfmpegPlayer::lengthExact() const {
+    return !worker_ || index()->exact();
+}
+
+bool FfmpegPlayer::waitForLength(std::chrono::milliseconds timeout) {
+    if (!worker_ || !worker_->waitIndexed(timeout)) {
+        return false;
+    }
+    tellLength(worker_->index());
+    return true;
+}
+
+std::shared_ptr<const FrameIndex> FfmpegPlayer::index() const {
+    return worker_->index();
+}
+
+void FfmpegPlayer::tellLength(const std::shared_ptr<const FrameIndex>& index) {
+    if (index && index != lengthTold_) {
+        lengthTold_ = index;
+        emit lengthKnown();
+    }
 }
 
 int FfmpegPlayer::PictureWidth() const {

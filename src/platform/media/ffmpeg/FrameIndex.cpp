@@ -86,6 +86,23 @@ FrameIndex::FrameIndex(const std::vector<Packet>& filePackets, AVRational timeBa
     finishKeyframes();
 }
 
+FrameIndex FrameIndex::estimate(std::int64_t frames, AVRational timeBase, std::int64_t firstStamp,
+                                AVRational frameRate) {
+    FrameIndex index;
+    index.timeBase_ = timeBase;
+    index.exact_ = false;
+    index.framesCarryStamps_ = false;
+    index.frameDuration_ = typicalDuration({}, timeBase, frameRate);
+    const std::int64_t count = std::max<std::int64_t>(1, frames);
+    index.stamps_.reserve(static_cast<size_t>(count));
+    for (std::int64_t frame = 0; frame < count; ++frame) {
+        index.stamps_.push_back(firstStamp + frame * index.frameDuration_);
+    }
+    index.endStamp_ = index.stamps_.back() + index.frameDuration_;
+    index.keyframes_.push_back(0);
+    return index;
+}
+
 bool FrameIndex::indexByStamps(Iterator start, Iterator end) {
     if (std::any_of(start, end, [](const Packet& p) { return p.pts == AV_NOPTS_VALUE; })) {
         return false;

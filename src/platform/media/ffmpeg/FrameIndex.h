@@ -11,9 +11,9 @@ extern "C" {
 namespace ravelcue::media::ffmpeg {
 
 // Every frame of a video stream in presentation order, with its timestamp, built once from the
-// packets of the whole file. Frame n here is the n-th picture a decoder puts out when it reads
-// the file from the start, so positions never rest on an assumed frame rate. Immutable once
-// built; safe to share between threads.
+// packets of the whole file, or until then an estimate from the file's header. Frame n here is the
+// n-th picture a decoder puts out when it reads the file from the start, so positions never rest on
+// an assumed frame rate. Immutable once built; safe to share between threads.
 //
 // Where every packet carries a presentation stamp, frames are known by their stamps. Where some
 // do not (AVI stores decode order only; its demuxer guesses stamps for some packets), frames are
@@ -37,6 +37,13 @@ public:
     FrameIndex(const std::vector<Packet>& packets, AVRational timeBase,
                AVRational fallbackFrameRate, int outputDelay = 0);
 
+    // Until the packets have been read: as many frames as the header promises, evenly spaced
+    // from the first stamp, one keyframe at the start, numbered by counting. Not exact.
+    static FrameIndex estimate(std::int64_t frames, AVRational timeBase, std::int64_t firstStamp,
+                               AVRational frameRate);
+
+    // False for an estimate: its count and times are only the header's word.
+    bool exact() const { return exact_; }
     std::int64_t count() const { return static_cast<std::int64_t>(stamps_.size()); }
     bool empty() const { return stamps_.empty(); }
     // Whether the stamps are presentation timestamps that decoded frames carry; when false
@@ -56,6 +63,8 @@ public:
     std::int64_t frameOfStamp(std::int64_t stamp) const;
     // For counted frames: the place in decode order of the packet with this decode stamp, or -1.
     std::int64_t decodePosition(std::int64_t dts) const;
+    // For counted frames: how many packets there are in decode order.
+    std::int64_t decodeCount() const { return static_cast<std::int64_t>(decodeStamps_.size()); }
     double durationMs() const;
     // The keyframe from which decoding reaches the frame: the last keyframe at or before it.
     std::int64_t keyframeAtOrBefore(std::int64_t frame) const;
@@ -78,6 +87,7 @@ private:
     std::int64_t frameDuration_ = 1;
     AVRational timeBase_{1, 1000};
     bool framesCarryStamps_ = true;
+    bool exact_ = true;
     int outputDelay_ = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "PlayerWorker.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace ravelcue::media::ffmpeg {
 
@@ -15,6 +16,9 @@ constexpr std::int64_t kPrefetchFrames = 3;
 constexpr auto kPrefetchDelay = std::chrono::milliseconds(10);
 // Decoding this many frames forward costs about as much as one seek.
 constexpr std::int64_t kSeekCostInFrames = 2;
+// Until the index is read, seeks as far forward as this are decoded straight on; further ones
+// wait for the index, which takes less time than decoding that far.
+constexpr std::int64_t kForwardWithoutIndex = 60;
 
 PlaybackClock::Duration fromMs(double ms) {
     return std::chrono::duration_cast<PlaybackClock::Duration>(
@@ -34,6 +38,8 @@ PlayerWorker::PlayerWorker(std::unique_ptr<VideoFileReader> source, DecodedFrame
     , clock_(std::move(clock))
     , callbacks_(std::move(callbacks))
     , converter_(source_->rotationDegrees()) {
+    publishedIndex_ = index_;
+    indexAwaited_ = !index_->exact();
     cache_.put(first.number, first.frame, first.number);
     command_.seekFrame = first.number;
     command_.seekRequest = 1;
@@ -56,12 +62,47 @@ void PlayerWorker::seek(std::int64_t frame) {
         std::lock_guard lock(mutex_);
         ++commands_;
         idle_ = false;
-        command_.seekFrame = index_->clampFrame(frame);
+        command_.seekFrame = std::max<std::int64_t>(0, frame);
+        command_.seekMs = std::numeric_limits<double>::quiet_NaN();
         command_.seekRequestedAt = clock_->now();
         ++command_.seekRequest;
         latestRequest_ = command_.seekRequest;
     }
     wake_.notify_all();
+}
+
+void PlayerWorker::seekToTime(double ms, std::int64_t estimate) {
+    {
+        std::lock_guard lock(mutex_);
+        ++commands_;
+        idle_ = false;
+        command_.seekFrame = std::max<std::int64_t>(0, estimate);
+        command_.seekMs = ms;
+        command_.seekRequestedAt = clock_->now();
+        ++command_.seekRequest;
+        latestRequest_ = command_.seekRequest;
+    }
+    wake_.notify_all();
+}
+
+void PlayerWorker::adoptIndex(std::shared_ptr<const FrameIndex> index) {
+    {
+        std::lock_guard lock(mutex_);
+        pendingIndex_ = std::move(index);
+        indexArrived_ = true;
+    }
+    wake_.notify_all();
+}
+
+std::shared_ptr<const FrameIndex> PlayerWorker::index() const {
+    std::lock_guard lock(mutex_);
+    return publishedIndex_;
+}
+
+bool PlayerWorker::waitIndexed(std::chrono::milliseconds timeout) const {
+    std::unique_lock lock(mutex_);
+    settled_.wait_for(lock, timeout, [this] { return !indexAwaited_ || command_.quit; });
+    return publishedIndex_->exact();
 }
 
 void PlayerWorker::play() {
@@ -113,8 +154,12 @@ std::int64_t PlayerWorker::position() const {
     // Players paused together report the frames they stop on, not the ones they passed on the
     // way; landing takes at most one frame's decoding.
     settled_.wait_for(lock, std::chrono::seconds(2), [this] { return stopLanded(); });
-    return seekServed_ != command_.seekRequest ? command_.seekFrame
-                                               : std::max<std::int64_t>(0, onShow_);
+    if (seekServed_ == command_.seekRequest) {
+        return std::max<std::int64_t>(0, onShow_);
+    }
+    // A seek past the estimate's end waits for the index; until then it reports that end.
+    return publishedIndex_->exact() ? command_.seekFrame
+                                    : std::min(command_.seekFrame, publishedIndex_->count() - 1);
 }
 
 bool PlayerWorker::waitStopLanded(std::chrono::milliseconds timeout) const {
@@ -141,8 +186,14 @@ bool PlayerWorker::waitSettled(std::chrono::milliseconds timeout) const {
 void PlayerWorker::run() {
     std::unique_lock lock(mutex_);
     while (!command_.quit) {
-        if (seekServed_ != command_.seekRequest) {
-            serveSeek(lock);
+        if (indexArrived_) {
+            adoptPendingIndex(lock);
+        } else if (seekServed_ != command_.seekRequest) {
+            if (seekWaitsForIndex()) {
+                wake_.wait(lock);
+            } else {
+                serveSeek(lock);
+            }
         } else if (stopServed_ != command_.stopRequest) {
             landStop(lock);
         } else if (command_.playing) {
@@ -168,8 +219,49 @@ void PlayerWorker::run() {
     }
 }
 
-void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
+bool PlayerWorker::seekWaitsForIndex() const {
+    if (index_->exact() || !indexAwaited_) {
+        return false;
+    }
+    if (!std::isnan(command_.seekMs)) {
+        return true;
+    }
     const std::int64_t target = command_.seekFrame;
+    const std::int64_t next = source_->expectedNext();
+    const bool straightOn = next >= 0 && target >= next && target - next <= kForwardWithoutIndex;
+    return target != onShow_ && !straightOn && !cache_.contains(target);
+}
+
+void PlayerWorker::adoptPendingIndex(std::unique_lock<std::mutex>& lock) {
+    indexArrived_ = false;
+    indexAwaited_ = false;
+    const std::shared_ptr<const FrameIndex> adopted = std::move(pendingIndex_);
+    if (adopted) {
+        // Playback goes on from the frame on show at its time in the new index.
+        const double before = index_->timeMs(onShow_);
+        index_ = adopted;
+        publishedIndex_ = adopted;
+        source_->adoptIndex(adopted);
+        anchorMs_ += index_->timeMs(onShow_) - before;
+        backwardsTriedFor_ = -1;
+    }
+    settled_.notify_all();
+    if (adopted && callbacks_.indexAdopted) {
+        lock.unlock();
+        callbacks_.indexAdopted(adopted);
+        lock.lock();
+    }
+}
+
+void PlayerWorker::serveSeek(std::unique_lock<std::mutex>& lock) {
+    std::int64_t target = command_.seekFrame;
+    if (!std::isnan(command_.seekMs)) {
+        target = index_->frameAt(command_.seekMs);
+    }
+    if (index_->exact()) {
+        target = index_->clampFrame(target);
+    }
+    command_.seekFrame = target;
     const std::uint64_t request = command_.seekRequest;
     const PlaybackClock::Duration requestedAt = command_.seekRequestedAt;
     requestInHand_ = request;
@@ -261,6 +353,10 @@ void PlayerWorker::servePlayback(std::unique_lock<std::mutex>& lock) {
     const auto now = clock_->now();
     const double dueMs = anchorMs_ + toMs(now - anchorTime_) * anchorRate_;
     const std::int64_t last = index_->count() - 1;
+    if (dueMs >= index_->durationMs() && !index_->exact() && indexAwaited_) {
+        wake_.wait(lock); // the estimate's end may not be the file's
+        return;
+    }
     if (dueMs >= index_->durationMs()) {
         if (onShow_ != last) {
             lock.unlock();
@@ -329,7 +425,7 @@ bool PlayerWorker::prefetchBackwards() {
     while (missing >= lowest && cache_.contains(missing)) {
         --missing;
     }
-    if (onShow_ <= 0 || missing < lowest || missing == backwardsTriedFor_) {
+    if (onShow_ <= 0 || missing < lowest || missing == backwardsTriedFor_ || !index_->exact()) {
         return false;
     }
     backwardsTriedFor_ = missing; // a file that cannot give this frame is not asked again

@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -30,6 +31,8 @@ public:
         // seekServed: the last seek served before the end, to tell an end that a later seek
         // has overtaken.
         std::function<void(std::uint64_t seekServed)> endReached;
+        // The source took on the index read from the whole file in place of its estimate.
+        std::function<void(std::shared_ptr<const FrameIndex>)> indexAdopted;
     };
 
     // Decoded frames kept around the one on show. 1080p frames take about 3 MB each.
@@ -42,7 +45,18 @@ public:
     PlayerWorker(const PlayerWorker&) = delete;
     PlayerWorker& operator=(const PlayerWorker&) = delete;
 
+    // Frames past the end land on the last one. Until the index is exact, a frame further away
+    // than a short run forward waits for it.
     void seek(std::int64_t frame);
+    // The frame on show at that time; estimate is where the player reports to be until then.
+    void seekToTime(double ms, std::int64_t estimate);
+    // The index read from the whole file, for a source that started on an estimate; null when it
+    // could not be read, and the estimate stays. Thread-safe.
+    void adoptIndex(std::shared_ptr<const FrameIndex> index);
+    // The index in use; thread-safe.
+    std::shared_ptr<const FrameIndex> index() const;
+    // Waits until the index is exact, or known never to be; false when it is not.
+    bool waitIndexed(std::chrono::milliseconds timeout) const;
     void play();
     void stop();
     void setRate(double rate);
@@ -64,6 +78,7 @@ public:
 private:
     struct Command {
         std::int64_t seekFrame = 0;
+        double seekMs = std::numeric_limits<double>::quiet_NaN(); // a seek by time
         std::uint64_t seekRequest = 0;
         std::uint64_t stopRequest = 0;
         bool playing = false;
@@ -79,6 +94,9 @@ private:
 
     void run();
     void serveSeek(std::unique_lock<std::mutex>& lock);
+    // A seek the estimate cannot serve exactly: too far from where the decoder stands.
+    bool seekWaitsForIndex() const;
+    void adoptPendingIndex(std::unique_lock<std::mutex>& lock);
     // Shows the frame that was due when the stop was asked for, and ends the pacing.
     void landStop(std::unique_lock<std::mutex>& lock);
     void servePlayback(std::unique_lock<std::mutex>& lock);
@@ -103,7 +121,7 @@ private:
     bool superseded() const;
 
     std::unique_ptr<VideoFileReader> source_;
-    std::shared_ptr<const FrameIndex> index_;
+    std::shared_ptr<const FrameIndex> index_; // worker thread only
     std::shared_ptr<PlaybackClock> clock_;
     Callbacks callbacks_;
     FrameCache cache_{kCacheBudgetBytes};
@@ -116,6 +134,10 @@ private:
     std::uint64_t seekServed_ = 0;
     std::uint64_t stopServed_ = 0;
     std::int64_t onShow_ = -1;
+    std::shared_ptr<const FrameIndex> publishedIndex_; // index_, for other threads
+    std::shared_ptr<const FrameIndex> pendingIndex_;
+    bool indexArrived_ = false;
+    bool indexAwaited_ = false;
 
     std::chrono::steady_clock::time_point prefetchNotBefore_{};
     // Read while decoding without taking the lock.

@@ -1,13 +1,13 @@
 #include "VideoFileReader.h"
 
+#include "FrameIndexing.h"
+
 extern "C" {
 #include <libavutil/display.h>
 }
 
 #include <algorithm>
 #include <cmath>
-
-#include <QFileInfo>
 
 namespace ravelcue::media::ffmpeg {
 
@@ -30,20 +30,6 @@ int rotationOf(const AVStream& stream) {
     return quarter * 90;
 }
 
-// The decoders of the MPEG-1, MPEG-2 and MPEG-4 Visual family hold each picture back until the
-// next reference picture comes, and stamp it with the decode stamp of the packet that pushed it
-// out; this many packets later.
-int pushedOutDelay(const AVCodecParameters& parameters) {
-    switch (parameters.codec_id) {
-    case AV_CODEC_ID_MPEG1VIDEO:
-    case AV_CODEC_ID_MPEG2VIDEO:
-    case AV_CODEC_ID_MPEG4:
-        return parameters.video_delay;
-    default:
-        return 0;
-    }
-}
-
 bool isImageFormat(const AVInputFormat& format) {
     const QString name = QString::fromLatin1(format.name);
     return name.startsWith(QLatin1String("image2")) || name.endsWith(QLatin1String("_pipe"));
@@ -51,20 +37,25 @@ bool isImageFormat(const AVInputFormat& format) {
 
 } // namespace
 
-std::unique_ptr<VideoFileReader> VideoFileReader::open(const QString& path, MediaError& error) {
+std::unique_ptr<VideoFileReader> VideoFileReader::open(const QString& path, MediaError& error,
+                                                       std::shared_ptr<const FrameIndex> known) {
     std::unique_ptr<VideoFileReader> source(new VideoFileReader);
     error = source->openInput(path);
-    if (!error) {
-        error = source->buildIndex();
-    }
     if (!error && source->stillImage_) {
-        // The image demuxers do not go back once read; reading the file anew is as cheap.
-        error = source->openInput(path);
+        error = source->buildIndex();
+        if (!error) {
+            // The image demuxers do not go back once read; reading the file anew is as cheap.
+            error = source->openInput(path);
+        }
+    } else if (!error && known) {
+        source->index_ = std::move(known);
+    } else if (!error) {
+        source->estimateIndex();
     }
     if (!error) {
         error = source->openDecoder();
     }
-    if (!error && !source->stillImage_ && !source->seekToKeyframe(0)) {
+    if (!error && !source->stillImage_ && source->index_->exact() && !source->seekToKeyframe(0)) {
         error = failure(media_error::UnreadableFile,
                         QStringLiteral("Cannot return to the first frame"));
     }
@@ -77,62 +68,46 @@ std::unique_ptr<VideoFileReader> VideoFileReader::open(const QString& path, Medi
 VideoFileReader::~VideoFileReader() = default;
 
 MediaError VideoFileReader::openInput(const QString& path) {
-    if (!QFileInfo(path).isFile()) {
-        return failure(media_error::FileNotFound, QStringLiteral("File not found: %1").arg(path));
+    if (MediaError error = openVideoInput(path, input_, stream_)) {
+        return error;
     }
-    AVFormatContext* context = nullptr;
-    const QByteArray name = path.toUtf8();
-    int result = avformat_open_input(&context, name.constData(), nullptr, nullptr);
-    if (result < 0) {
-        return failure(media_error::UnreadableFile,
-                       QStringLiteral("Cannot read %1: %2").arg(path, errorText(result)));
-    }
-    input_.reset(context);
-    result = avformat_find_stream_info(input_.get(), nullptr);
-    if (result < 0) {
-        return failure(media_error::UnreadableFile,
-                       QStringLiteral("Cannot read %1: %2").arg(path, errorText(result)));
-    }
-    const int streamIndex =
-        av_find_best_stream(input_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-    if (streamIndex < 0) {
-        return failure(media_error::NoVideoStream, QStringLiteral("%1 holds no video").arg(path));
-    }
-    for (unsigned i = 0; i < input_->nb_streams; ++i) {
-        input_->streams[i]->discard =
-            static_cast<int>(i) == streamIndex ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
-    }
-    stream_ = input_->streams[streamIndex];
     rotation_ = rotationOf(*stream_);
     stillImage_ = isImageFormat(*input_->iformat);
     return MediaError::none();
 }
 
 MediaError VideoFileReader::buildIndex() {
-    std::vector<FrameIndex::Packet> packets;
-    int result = 0;
-    while ((result = av_read_frame(input_.get(), packet_.get())) >= 0) {
-        if (packet_->stream_index == stream_->index) {
-            packets.push_back({packet_->pts, packet_->dts, packet_->duration,
-                               (packet_->flags & AV_PKT_FLAG_KEY) != 0,
-                               (packet_->flags & AV_PKT_FLAG_DISCARD) != 0});
-        }
-        av_packet_unref(packet_.get());
+    IndexPackets packets = timingOf(*stream_);
+    if (MediaError error = readIndexPackets(*input_, *stream_, packets)) {
+        return error;
     }
-    if (result != AVERROR_EOF && packets.empty()) {
-        return failure(media_error::UnreadableFile,
-                       QStringLiteral("Cannot read the video: %1").arg(errorText(result)));
-    }
-    if (packets.empty()) {
-        return failure(media_error::UnreadableFile, QStringLiteral("The video holds no frames"));
-    }
-    AVRational rate = stream_->avg_frame_rate;
-    if (rate.num <= 0 || rate.den <= 0) {
-        rate = stream_->r_frame_rate;
-    }
-    index_ = std::make_shared<const FrameIndex>(packets, stream_->time_base, rate,
-                                                pushedOutDelay(*stream_->codecpar));
+    index_ = packets.build();
     return MediaError::none();
+}
+
+void VideoFileReader::estimateIndex() {
+    const IndexPackets timing = timingOf(*stream_);
+    AVRational rate = timing.frameRate;
+    if (rate.num <= 0 || rate.den <= 0) {
+        rate = {25, 1};
+    }
+    // The duration leaves out what an edit list cuts; the count of packets does not.
+    double seconds = 0;
+    if (stream_->duration != AV_NOPTS_VALUE && stream_->duration > 0) {
+        seconds = static_cast<double>(stream_->duration) * av_q2d(stream_->time_base);
+    } else if (input_->duration != AV_NOPTS_VALUE && input_->duration > 0) {
+        seconds = static_cast<double>(input_->duration) / AV_TIME_BASE;
+    }
+    const std::int64_t frames =
+        seconds > 0 ? std::llround(seconds * av_q2d(rate)) : stream_->nb_frames;
+    const std::int64_t first = stream_->start_time != AV_NOPTS_VALUE ? stream_->start_time : 0;
+    index_ = std::make_shared<const FrameIndex>(
+        FrameIndex::estimate(frames, stream_->time_base, first, rate));
+    awaitingKeyframe_ = true;
+}
+
+void VideoFileReader::adoptIndex(std::shared_ptr<const FrameIndex> index) {
+    index_ = std::move(index);
 }
 
 MediaError VideoFileReader::openDecoder() {
@@ -150,8 +125,11 @@ MediaError VideoFileReader::openDecoder() {
         codec_->thread_count = 0;
         // Frame threads hold back each picture until more are under way: worth it for the long
         // groups of pictures of H.264, a loss where any frame decodes alone (MJPEG).
-        codec_->thread_type =
-            index_->everyFrameIsKeyframe() ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
+        const AVCodecDescriptor* kind = avcodec_descriptor_get(stream_->codecpar->codec_id);
+        const bool intraOnly = index_->exact()
+                                   ? index_->everyFrameIsKeyframe()
+                                   : kind != nullptr && (kind->props & AV_CODEC_PROP_INTRA_ONLY);
+        codec_->thread_type = intraOnly ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
         result = avcodec_open2(codec_.get(), decoder, nullptr);
     }
     if (result < 0) {
@@ -188,7 +166,9 @@ bool VideoFileReader::seekToKeyframe(std::int64_t keyframe) {
     inputEnded_ = false;
     ended_ = false;
     lastNumber_ = index_->clampFrame(keyframe) - 1;
+    flushed_ = 0;
     rebaseOnNextPacket_ = !index_->framesCarryStamps();
+    awaitingKeyframe_ = !index_->exact();
     return result >= 0;
 }
 
@@ -204,6 +184,11 @@ bool VideoFileReader::feedDecoder() {
             av_packet_unref(packet_.get());
             continue;
         }
+        if (awaitingKeyframe_ && (packet_->flags & AV_PKT_FLAG_KEY) == 0) {
+            av_packet_unref(packet_.get());
+            continue;
+        }
+        awaitingKeyframe_ = false;
         if (rebaseOnNextPacket_) {
             // Without presentation stamps frames are counted; the count starts at the keyframe
             // the demuxer actually landed on.
@@ -233,8 +218,12 @@ std::int64_t VideoFileReader::numberFor(const AVFrame& frame) {
         }
     }
     if (!index_->framesCarryStamps() && index_->outputDelay() > 0 &&
-        frame.pkt_dts != AV_NOPTS_VALUE) {
-        const std::int64_t pushedBy = index_->decodePosition(frame.pkt_dts);
+        (frame.pkt_dts != AV_NOPTS_VALUE || inputEnded_)) {
+        // What the decoder still held at the end of the file was pushed out by the end, one
+        // packet past the last: a keyframe there follows a B-frame it was decoded before.
+        const std::int64_t pushedBy = frame.pkt_dts != AV_NOPTS_VALUE
+                                          ? index_->decodePosition(frame.pkt_dts)
+                                          : index_->decodeCount() + flushed_++;
         if (pushedBy >= index_->outputDelay()) {
             lastNumber_ = std::max(lastNumber_ + 1, pushedBy - index_->outputDelay());
             return lastNumber_;

@@ -25,14 +25,20 @@ struct DecodedFrame {
 // Not thread-safe: one thread at a time decodes.
 class VideoFileReader {
 public:
-    // Opens the file, builds its frame index by demuxing it once and readies the decoder at
-    // the first frame. On failure returns null and fills error.
-    static std::unique_ptr<VideoFileReader> open(const QString& path, MediaError& error);
+    // Opens the file and readies the decoder at the first frame. The frame index is the one
+    // given (read earlier), for a still image the one read now, and otherwise an estimate from
+    // the header until adoptIndex brings the real one: frames are then counted from the start.
+    // On failure returns null and fills error.
+    static std::unique_ptr<VideoFileReader> open(const QString& path, MediaError& error,
+                                                 std::shared_ptr<const FrameIndex> known = {});
     ~VideoFileReader();
     VideoFileReader(const VideoFileReader&) = delete;
     VideoFileReader& operator=(const VideoFileReader&) = delete;
 
     const std::shared_ptr<const FrameIndex>& index() const { return index_; }
+    // The index read from the packets of the whole file, in place of the estimate. The frames
+    // counted so far keep their numbers: counting from the start is what the index does too.
+    void adoptIndex(std::shared_ptr<const FrameIndex> index);
     int width() const { return codec_->width; }
     int height() const { return codec_->height; }
     // Clockwise turn that shows the picture upright (phones store it in the stream's matrix).
@@ -57,6 +63,7 @@ private:
     VideoFileReader() = default;
     MediaError openInput(const QString& path);
     MediaError buildIndex();
+    void estimateIndex();
     MediaError openDecoder();
     std::int64_t numberFor(const AVFrame& frame);
     bool feedDecoder();
@@ -71,7 +78,10 @@ private:
     bool inputEnded_ = false;
     bool ended_ = false;
     bool rebaseOnNextPacket_ = false;
+    // Read from the start without an index: packets before the first keyframe are no frames.
+    bool awaitingKeyframe_ = false;
     std::int64_t lastNumber_ = -1;
+    std::int64_t flushed_ = 0; // pictures the decoder gave up at the end of the file
     std::int64_t skipBefore_ = -1;
 };
 
