@@ -92,7 +92,7 @@ int benchClip(const Clip& clip) {
     const Figures seek = figuresOf(seeks);
     if (clip.hd) {
         media::MediaError sourceError;
-        auto source = VideoFileReader::open(clip.path, sourceError);
+        auto source = VideoFileReader::openIndexed(clip.path, sourceError);
         std::vector<double> bare;
         for (const int target : targets) {
             bare.push_back(bareDecodeMs(*source, target));

@@ -1,7 +1,9 @@
-// A video or picture file as a player opens it: the reader with its frame index, then a few
-// frames stepped from the start and from the last keyframe. The file is named by what it looks
+// A video or picture file as a player opens it: the reader with the header's estimate, a few
+// frames stepped, then the index of the whole file adopted, more frames stepped, and the last
+// stretch from its keyframe. The file is named by what it looks
 // like, as a user's file would be, so that the picture demuxers see .jpg names.
 #include "FuzzInput.h"
+#include "platform/media/ffmpeg/FrameIndexing.h"
 #include "platform/media/ffmpeg/VideoFileReader.h"
 
 #include <array>
@@ -64,25 +66,37 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes = ravelcue::fuzz::asText(data, size);
     const std::filesystem::path path = ravelcue::fuzz::inputFile(fileNameFor(bytes), data, size);
+    const QString name = QString::fromStdString(path.string());
     MediaError error;
-    std::unique_ptr<VideoFileReader> reader =
-        VideoFileReader::open(QString::fromStdString(path.string()), error);
-    std::filesystem::remove(path);
+    std::unique_ptr<VideoFileReader> reader = VideoFileReader::open(name, error);
     if (!reader) {
+        std::filesystem::remove(path);
         check(error.number != 0 && !error.text.isEmpty(), "a file that can't open says why");
         return 0;
     }
-    const FrameIndex& index = *reader->index();
-    check(index.count() > 0, "an open video has frames");
+    // As a player opens it: the header's estimate, the first frames, then the index of the whole
+    // file arriving while it is open.
+    check(reader->index()->count() >= 0, "an estimate counts no fewer than no frames");
     check(reader->width() >= 0 && reader->height() >= 0, "a picture has no negative side");
     reader->frameRate();
+    stepFrames(*reader);
+    IndexPackets packets;
+    const bool indexed = reader->isStillImage() || readIndexPackets(name, packets).ok();
+    std::filesystem::remove(path);
+    if (!indexed) {
+        return 0;
+    }
+    if (!reader->isStillImage()) {
+        reader->adoptIndex(packets.build());
+    }
+    const FrameIndex& index = *reader->index();
+    check(index.count() > 0, "an indexed video has frames");
     index.frameAt(index.durationMs());
     for (std::int64_t frame : {std::int64_t{0}, index.count() / 2, index.count() - 1}) {
         const std::int64_t keyframe = index.keyframeAtOrBefore(frame);
         check(keyframe >= 0 && keyframe <= frame, "a frame's keyframe comes before it");
         index.frameAt(index.timeMs(frame));
     }
-
     stepFrames(*reader);
     if (!reader->isStillImage()) {
         // The last stretch, as a step back from the end reaches it.

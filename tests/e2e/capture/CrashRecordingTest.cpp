@@ -162,7 +162,7 @@ TEST_P(KilledRecording, LeavesAFileThatReadsToWithinASecondOfTheKill) {
     EXPECT_EQ(probe.codecName, compressor.codecName);
 
     media::MediaError error;
-    const auto reader = media::ffmpeg::VideoFileReader::open(file, error);
+    const auto reader = media::ffmpeg::VideoFileReader::openIndexed(file, error);
     ASSERT_NE(reader, nullptr) << error.text.toStdString();
     const std::int64_t frames = reader->index()->count();
     EXPECT_EQ(frames, probe.frameCount) << "the player and ffprobe see different frames";

@@ -260,7 +260,7 @@ TEST(VideoFileWriter, AFileCutOffBetweenRefreshesReadsWhole) {
                 EXPECT_GE(probe.frameCount, i + 1 - kRate);
                 EXPECT_NEAR(probe.durationSeconds, double(probe.frameCount) / kRate,
                             0.25 + 1.0 / kRate);
-                auto reader = VideoFileReader::open(copy, error);
+                auto reader = VideoFileReader::openIndexed(copy, error);
                 ASSERT_TRUE(reader) << error.text.toStdString();
                 EXPECT_EQ(reader->index()->count(), probe.frameCount);
             }

@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QPainter>
 #include <QSignalSpy>
@@ -135,6 +136,24 @@ TEST_F(RecompressTest, WholeFileAndCodecChoice) {
     EXPECT_TRUE(isRed(extractFrame(converted, 12).pixel(47, 47)));
     EXPECT_NEAR(soundSeconds(converted), 1.0, 0.1);
     EXPECT_EQ(filesIn(folder.file("out")), (QStringList{"phone+.mov", "whole+.avi"}));
+
+    // A recording cut short, whose header still promises its whole length: the frames it holds,
+    // with as much sound as picture.
+    const QString cut = folder.file(QStringLiteral("in/cut.mp4"));
+    ASSERT_TRUE(runFfmpeg({"-f", "lavfi", "-i", "testsrc2=size=320x180:rate=25:duration=8", "-f",
+                           "lavfi", "-i", "sine=frequency=440:duration=8", "-c:v", "mjpeg", "-q:v",
+                           "5", "-c:a", "aac", "-movflags", "+faststart", cut}));
+    QFile cutFile(cut);
+    ASSERT_TRUE(cutFile.resize(cutFile.size() / 2));
+    const int held = probeVideo(cut).frameCount;
+    ASSERT_LT(held, 150);
+    const QString saved = folder.file(QStringLiteral("out/cut+.mp4"));
+    QSignalSpy progress(&recompress, &FfmpegRecompress::progress);
+    ASSERT_TRUE(runJob(recompress, cut, saved, 0, 0).ok());
+    EXPECT_EQ(probeVideo(saved).frameCount, held);
+    EXPECT_NEAR(soundSeconds(saved), held / 25.0, 0.2);
+    ASSERT_FALSE(progress.isEmpty());
+    EXPECT_EQ(progress.last().at(0).toInt(), 100);
 }
 
 // Failures end with an error and leave no file under the destination name, nor a temporary one.

@@ -241,7 +241,7 @@ MediaError recompressVideo(const RecompressRequest& request, const OverlayLayer&
                            const std::atomic<bool>& cancelled,
                            const std::function<void(int)>& progress) {
     MediaError error;
-    std::unique_ptr<VideoFileReader> source = VideoFileReader::open(request.source, error);
+    std::unique_ptr<VideoFileReader> source = VideoFileReader::openIndexed(request.source, error);
     if (!source) {
         return error;
     }

@@ -39,6 +39,17 @@ bool isImageFormat(const AVInputFormat& format) {
 
 std::unique_ptr<VideoFileReader> VideoFileReader::open(const QString& path, MediaError& error,
                                                        std::shared_ptr<const FrameIndex> known) {
+    return openWith(path, error, std::move(known), false);
+}
+
+std::unique_ptr<VideoFileReader> VideoFileReader::openIndexed(const QString& path,
+                                                              MediaError& error) {
+    return openWith(path, error, nullptr, true);
+}
+
+std::unique_ptr<VideoFileReader> VideoFileReader::openWith(const QString& path, MediaError& error,
+                                                           std::shared_ptr<const FrameIndex> known,
+                                                           bool readIndex) {
     std::unique_ptr<VideoFileReader> source(new VideoFileReader);
     error = source->openInput(path);
     if (!error && source->stillImage_) {
@@ -49,6 +60,8 @@ std::unique_ptr<VideoFileReader> VideoFileReader::open(const QString& path, Medi
         }
     } else if (!error && known) {
         source->index_ = std::move(known);
+    } else if (!error && readIndex) {
+        error = source->buildIndex();
     } else if (!error) {
         source->estimateIndex();
     }

@@ -31,6 +31,9 @@ public:
     // On failure returns null and fills error.
     static std::unique_ptr<VideoFileReader> open(const QString& path, MediaError& error,
                                                  std::shared_ptr<const FrameIndex> known = {});
+    // Opens the file with the index of all its packets read first: for a job that needs exact
+    // frame numbers and times before it decodes anything, such as copying a span of the file.
+    static std::unique_ptr<VideoFileReader> openIndexed(const QString& path, MediaError& error);
     ~VideoFileReader();
     VideoFileReader(const VideoFileReader&) = delete;
     VideoFileReader& operator=(const VideoFileReader&) = delete;
@@ -61,6 +64,9 @@ public:
 
 private:
     VideoFileReader() = default;
+    static std::unique_ptr<VideoFileReader> openWith(const QString& path, MediaError& error,
+                                                     std::shared_ptr<const FrameIndex> known,
+                                                     bool readIndex);
     MediaError openInput(const QString& path);
     MediaError buildIndex();
     void estimateIndex();
