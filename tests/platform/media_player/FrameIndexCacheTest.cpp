@@ -6,9 +6,11 @@
 #include "support/TempFolder.h"
 
 #include <functional>
+#include <utility>
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 
 #include <gtest/gtest.h>
 
@@ -147,6 +149,43 @@ TEST_F(FrameIndexCacheTest, AFileChangedOnDiskIsCountedAgain) {
     EXPECT_EQ(frames, longer);
     EXPECT_TRUE(openedExact(frames));
     EXPECT_EQ(frames, longer);
+}
+
+// The folder keeps within its budget: a new entry pushes out the one used longest ago, and
+// reading an entry counts as using it.
+TEST(FrameIndexCacheBudget, ANewEntryPushesOutTheOneUsedLongestAgo) {
+    TempFolder folder;
+    IndexPackets packets;
+    packets.packets.assign(400, FrameIndex::Packet{0, 0, 1, true, false});
+    for (size_t i = 0; i < packets.packets.size(); ++i) {
+        packets.packets[i].pts = packets.packets[i].dts = static_cast<std::int64_t>(i);
+    }
+    const auto entrySize = [&](const FrameIndexCache& cache, const QString& video) {
+        return QFileInfo(cache.entryPath(video)).size();
+    };
+    const QString first = folder.file("first.mp4");
+    const QString second = folder.file("second.mp4");
+    const QString third = folder.file("third.mp4");
+    const FrameIndexCache measuring(folder.file("measure"));
+    ASSERT_TRUE(measuring.store(first, packets));
+    const qint64 size = entrySize(measuring, first);
+    ASSERT_GT(size, 0);
+
+    const FrameIndexCache cache(folder.file("cache"), size * 5 / 2);
+    ASSERT_TRUE(cache.store(first, packets));
+    ASSERT_TRUE(cache.store(second, packets));
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    for (const auto& [video, age] : {std::pair{first, 100}, std::pair{second, 50}}) {
+        QFile entry(cache.entryPath(video));
+        ASSERT_TRUE(entry.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(entry.setFileTime(now.addSecs(-age), QFileDevice::FileModificationTime));
+    }
+    ASSERT_TRUE(cache.load(first)) << "read, so used last";
+
+    ASSERT_TRUE(cache.store(third, packets));
+    EXPECT_TRUE(cache.load(first));
+    EXPECT_FALSE(cache.load(second)) << "used longest ago";
+    EXPECT_TRUE(cache.load(third));
 }
 
 } // namespace

@@ -35,8 +35,9 @@ QByteArray checksum(const QByteArray& body) {
 
 } // namespace
 
-FrameIndexCache::FrameIndexCache(QString folder)
-    : folder_(std::move(folder)) {}
+FrameIndexCache::FrameIndexCache(QString folder, qint64 budgetBytes)
+    : folder_(std::move(folder))
+    , budgetBytes_(budgetBytes) {}
 
 QString FrameIndexCache::entryPath(const QString& videoPath) const {
     const QByteArray name =
@@ -88,6 +89,8 @@ std::optional<IndexPackets> FrameIndexCache::load(const QString& videoPath) cons
     if (in.status() != QDataStream::Ok || !in.atEnd()) {
         return std::nullopt;
     }
+    // Used now: the budget pushes out entries used longer ago first.
+    file.setFileTime(QDateTime::currentDateTimeUtc(), QFileDevice::FileModificationTime);
     return packets;
 }
 
@@ -116,7 +119,25 @@ bool FrameIndexCache::store(const QString& videoPath, const IndexPackets& packet
     QDataStream out(&file);
     out.setVersion(kStreamVersion);
     out << kMagic << kVersion << checksum(body) << body;
-    return out.status() == QDataStream::Ok && file.commit();
+    if (out.status() != QDataStream::Ok || !file.commit()) {
+        return false;
+    }
+    trimTo(entryPath(videoPath));
+    return true;
+}
+
+void FrameIndexCache::trimTo(const QString& kept) const {
+    const QFileInfoList entries =
+        QDir(folder_).entryInfoList({QStringLiteral("*.frames")}, QDir::Files, QDir::Time);
+    qint64 total = 0;
+    for (const QFileInfo& entry : entries) { // newest first
+        total += entry.size();
+        if (total > budgetBytes_ &&
+            entry.absoluteFilePath() != QFileInfo(kept).absoluteFilePath()) {
+            QFile::remove(entry.absoluteFilePath());
+            total -= entry.size();
+        }
+    }
 }
 
 } // namespace ravelcue::media::ffmpeg

@@ -12,10 +12,14 @@ namespace ravelcue::media::ffmpeg {
 // file opened again is exact at once. An entry holds for the file of that path with the size
 // and the modification time it had when read; anything else in the entry, or an entry that
 // does not read back whole, counts as none. Safe to use from several threads: an entry is
-// written beside its place and moved there whole.
+// written beside its place and moved there whole. The folder is kept within a budget of bytes:
+// a new entry pushes out the entries read or written longest ago.
 class FrameIndexCache {
 public:
-    explicit FrameIndexCache(QString folder);
+    // About 35 hours of video at 30 frames per second.
+    static constexpr qint64 kDefaultBudgetBytes = 64LL * 1024 * 1024;
+
+    explicit FrameIndexCache(QString folder, qint64 budgetBytes = kDefaultBudgetBytes);
 
     const QString& folder() const { return folder_; }
     std::optional<IndexPackets> load(const QString& videoPath) const;
@@ -25,7 +29,11 @@ public:
     QString entryPath(const QString& videoPath) const;
 
 private:
+    // Removes the entries used longest ago until the folder fits the budget; `kept` stays.
+    void trimTo(const QString& kept) const;
+
     QString folder_;
+    qint64 budgetBytes_;
 };
 
 } // namespace ravelcue::media::ffmpeg
