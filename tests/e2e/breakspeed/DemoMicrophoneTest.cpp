@@ -34,11 +34,8 @@ protected:
 
     DemoMicrophone() {
         fixture.answeredUpdateQuestion();
-        fixture.enableDemoDevices();
         // The microphone alone: the cameras would only keep the machine busy.
-        for (int i = 0; i < 4; ++i) {
-            fixture.store.writeText(cameraSettingName("CamEnable-", i), "0");
-        }
+        fixture.enableDemoDevices(0);
         fixture.start();
         fixture.click("cmdBreakSpeed");
     }
