@@ -27,7 +27,7 @@ protected:
     QSize start;
 };
 
-TEST_F(Layout, StartSizeIsTheDesignSizeAtTheScreensResolution) {
+TEST_F(Layout, StartsAtTheDesignSizeAndThePanesFollowTheWindow) {
     // 14600 by 11100 twips at 96 dots an inch.
     EXPECT_EQ(start, QSize(973, 740));
     EXPECT_EQ(fixture.window().state().BaseWidth, 14595);
@@ -35,9 +35,7 @@ TEST_F(Layout, StartSizeIsTheDesignSizeAtTheScreensResolution) {
     EXPECT_EQ(geometryOf("picCapture_0"), QRect(152, 0, 800, 600));
     EXPECT_EQ(geometryOf("VideoCapXCapture_0"), QRect(0, 0, 800, 600));
     EXPECT_EQ(geometryOf("fmCapturetb").topLeft(), QPoint(152, 600));
-}
 
-TEST_F(Layout, PanesGrowWithTheWindowAndQuadPanesCloseTheirGrid) {
     resizeBy(150, 90);
     EXPECT_EQ(geometryOf("picCapture_0"), QRect(152, 0, 950, 690));
     EXPECT_EQ(geometryOf("fmCapturetb").top(), 690);

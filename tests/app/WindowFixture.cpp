@@ -5,6 +5,7 @@
 #include "platform/media/VideoView.h"
 #include "platform/media/ffmpeg/FfmpegEngine.h"
 #include "platform/ui/StatusPanels.h"
+#include "support/DemoDeviceSettings.h"
 
 #include <QStatusBar>
 #include <QTimer>
@@ -25,25 +26,8 @@ WindowFixture::WindowFixture(DemoDevices demo)
     engine_ = ownEngine_.get();
 }
 
-void WindowFixture::enableDemoDevices() {
-    media::DeviceCatalog& devices = engine_->devices();
-    int camera = 0;
-    for (int i = 0; i < devices.VideoDeviceCount() && camera < 4; ++i) {
-        const QString name = devices.VideoDeviceName(i);
-        if (name.startsWith(QLatin1String("Demo Camera"))) {
-            store.writeText(cameraSettingName("Video Source-", camera),
-                            QStringLiteral("%1(%2)").arg(name).arg(i).toStdString());
-            store.writeText(cameraSettingName("Video Device Index-", camera), std::to_string(i));
-            store.writeText(cameraSettingName("CamEnable-", camera), "1");
-            ++camera;
-        }
-    }
-    for (int i = 0; i < devices.AudioDeviceCount(); ++i) {
-        if (devices.AudioDeviceName(i) == QLatin1String("Demo Microphone")) {
-            store.writeText("Audio Source", "Demo Microphone");
-            store.writeText("Audio Device Index", std::to_string(i));
-        }
-    }
+void WindowFixture::enableDemoDevices(int enabledCameras) {
+    storeDemoDevices(store, engine_->devices(), enabledCameras);
 }
 
 bool WindowFixture::waitForPicture(media::VideoView* view) {

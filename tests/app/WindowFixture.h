@@ -39,9 +39,9 @@ public:
     void answeredUpdateQuestion(const char* answer = "0");
     // Stores a source and enables the camera; by default the demo camera of its number.
     void enableCamera(int camera, const std::string& source = {});
-    // Enables cameras 0..3 on Demo Camera 1..4 and the Demo Microphone (the real engine's
-    // devices on a machine without hardware).
-    void enableDemoDevices();
+    // Stores cameras 0..3 on Demo Camera 1..4, the first `enabledCameras` of them enabled, and
+    // the Demo Microphone (the real engine's devices on a machine without hardware).
+    void enableDemoDevices(int enabledCameras = 4);
     // Waits, serving events, until the picture shows a frame; false after 10 s.
     static bool waitForPicture(media::VideoView* view);
 

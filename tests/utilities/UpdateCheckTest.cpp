@@ -57,15 +57,14 @@ protected:
     std::unique_ptr<UpdateCheck> check;
 };
 
-TEST_F(Updates, VersionsAreComparedNumberByNumber) {
+TEST_F(Updates, ANewerVersionIsOfferedForDownloadAndAnOtherIsNot) {
     struct Case {
         const char* available;
         const char* current;
         bool newer;
     };
-    for (const Case& c : {Case{"1.2.4", "1.2.3", true}, Case{"1.10.0", "1.9.0", true},
-                          Case{"1.2.3", "1.2.3", false}, Case{"1.2.2", "1.2.3", false},
-                          Case{"1.9.0", "1.10.0", false}}) {
+    // How versions compare is the logic's own (its tests); here, what the window makes of it.
+    for (const Case& c : {Case{"1.10.0", "1.9.0", true}, Case{"1.2.3", "1.2.3", false}}) {
         SCOPED_TRACE(std::string(c.available) + " against " + c.current);
         test::LocalHttpServer server(QByteArray(" ") + c.available +
                                      " &&&Faster saving.\nA new grid.\n&&&more");

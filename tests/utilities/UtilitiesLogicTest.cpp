@@ -80,8 +80,12 @@ TEST(UpdateInfo, AppTextGivesTheTrimmedVersionAndTheInformation) {
     EXPECT_FALSE(parseAppText("<html>Not Found</html>"));
 }
 
-TEST(UpdateInfo, VersionsOfDifferentLengthsOrUnreadableOnesCompareSafely) {
-    // The server tests cover the usual pairs; these are the odd ones.
+TEST(UpdateInfo, VersionsAreComparedNumberByNumberAndUnreadableOnesSafely) {
+    EXPECT_TRUE(isNewerVersion("1.2.4", "1.2.3"));
+    EXPECT_TRUE(isNewerVersion("1.10.0", "1.9.0"));
+    EXPECT_FALSE(isNewerVersion("1.2.3", "1.2.3"));
+    EXPECT_FALSE(isNewerVersion("1.2.2", "1.2.3"));
+    EXPECT_FALSE(isNewerVersion("1.9.0", "1.10.0"));
     EXPECT_FALSE(isNewerVersion("1.2", "1.2.0"));
     EXPECT_TRUE(isNewerVersion("1.2.0.1", "1.2"));
     EXPECT_TRUE(isNewerVersion("01.02.04", "1.2.3"));

@@ -26,12 +26,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
 
-#include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -274,14 +272,5 @@ TEST(KilledBreakCapture, LeavesAWholeWavFile) {
 // This program is both the test and, with --child, the program under test. (Its own main, so the
 // test support's main is not linked in.)
 int main(int argc, char** argv) {
-    ravelcue::test::childProgramPath() = std::filesystem::read_symlink("/proc/self/exe").string();
-    if (argc > 2 && std::strcmp(argv[1], "--child") == 0) {
-        return ravelcue::test::runChild(argc, argv, argv[2]);
-    }
-    if (std::getenv("QT_QPA_PLATFORM") == nullptr) {
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    }
-    QApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return ravelcue::test::testOrChildMain(argc, argv, ravelcue::test::runChild);
 }

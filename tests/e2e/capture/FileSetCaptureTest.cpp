@@ -105,7 +105,7 @@ protected:
     WindowFixture fixture{DemoDevices{}};
 };
 
-TEST_F(FileSetCapture, TwoCamerasRecordASetInStepAndTheNameIsAskedBeforeItIsReused) {
+TEST_F(FileSetCapture, SetsRecordInStepAsAviOrWmvAndTheNameIsAskedBeforeItIsReused) {
     tickOnly({1, 3});
     start("set1");
     ASSERT_TRUE(cam(1).IsCapturing() && cam(3).IsCapturing());
@@ -181,9 +181,8 @@ TEST_F(FileSetCapture, TwoCamerasRecordASetInStepAndTheNameIsAskedBeforeItIsReus
     EXPECT_EQ(raw.codecName, "rawvideo");
     EXPECT_EQ(raw.frameCount, cam(3).GetCaptureStats().framesWritten);
     EXPECT_TRUE(firstStamp(member("set1(Cam4).avi")).valid) << "the picture stands upright";
-}
 
-TEST_F(FileSetCapture, WmvMembersAreAsfWithWindowsMediaVideo) {
+    // WMV members are ASF files of Windows Media Video.
     fixture.window().settings().CaptureType = "WMV";
     tickOnly({0, 2});
     start("wmv");
@@ -191,7 +190,7 @@ TEST_F(FileSetCapture, WmvMembersAreAsfWithWindowsMediaVideo) {
     EXPECT_TRUE(fixture.panel(3).startsWith("Profile:")) << fixture.panel(3).toStdString();
     recordUntil(60);
     fixture.click("cmdStartCapture");
-    ASSERT_EQ(videoFiles(), (QStringList{"wmv(Cam1).wmv", "wmv(Cam3).wmv"}));
+    ASSERT_EQ(videoFiles(), (QStringList{"set1(Cam4).avi", "wmv(Cam1).wmv", "wmv(Cam3).wmv"}));
     for (int i : {0, 2}) {
         const QString file = member(QStringLiteral("wmv(Cam%1).wmv").arg(i + 1));
         SCOPED_TRACE(file.toStdString());

@@ -6,18 +6,25 @@
 #include "platform/media/VideoView.h"
 #include "platform/media/ffmpeg/SystemDeviceCatalog.h"
 #include "platform/settings/QSettingsStore.h"
+#include "support/DemoDeviceSettings.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
+
+#include <gtest/gtest.h>
 
 extern char** environ;
 
@@ -36,28 +43,25 @@ std::string& childProgramPath() {
     return path;
 }
 
+int testOrChildMain(int argc, char** argv,
+                    int (*runChild)(int& argc, char** argv, const std::string& mode)) {
+    childProgramPath() = std::filesystem::read_symlink("/proc/self/exe").string();
+    if (argc > 2 && std::strcmp(argv[1], "--child") == 0) {
+        return runChild(argc, argv, argv[2]);
+    }
+    if (std::getenv("QT_QPA_PLATFORM") == nullptr) {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    }
+    QApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
+
 ChildHome::ChildHome() {
     QSettingsStore settings(settingsFile(home));
     settings.writeText(kCheckForUpdateSetting, "0");
     settings.writeText("Avi Codec", "MJPEG");
-    const media::ffmpeg::SystemDeviceCatalog devices;
-    int camera = 0;
-    for (int i = 0; i < devices.VideoDeviceCount() && camera < 4; ++i) {
-        const QString name = devices.VideoDeviceName(i);
-        if (name.startsWith(QLatin1String("Demo Camera"))) {
-            settings.writeText(cameraSettingName("Video Source-", camera),
-                               QStringLiteral("%1(%2)").arg(name).arg(i).toStdString());
-            settings.writeText(cameraSettingName("Video Device Index-", camera), std::to_string(i));
-            settings.writeText(cameraSettingName("CamEnable-", camera), "1");
-            ++camera;
-        }
-    }
-    for (int i = 0; i < devices.AudioDeviceCount(); ++i) {
-        if (devices.AudioDeviceName(i) == QLatin1String("Demo Microphone")) {
-            settings.writeText("Audio Source", "Demo Microphone");
-            settings.writeText("Audio Device Index", std::to_string(i));
-        }
-    }
+    storeDemoDevices(settings, media::ffmpeg::SystemDeviceCatalog());
     const QString run = home.folder(QStringLiteral("run"));
     QFile::setPermissions(run,
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);

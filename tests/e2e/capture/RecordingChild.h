@@ -19,6 +19,11 @@ namespace ravelcue::test {
 // The test program's own path, for starting it again as the child.
 std::string& childProgramPath();
 
+// The main of a program that is both the test and, with --child <mode>, the program under test
+// as runChild(argc, argv, mode) runs it.
+int testOrChildMain(int argc, char** argv,
+                    int (*runChild)(int& argc, char** argv, const std::string& mode));
+
 // A home for the child: settings with the four demo cameras and the demo microphone chosen and
 // the first-run question answered, and empty data and runtime folders.
 class ChildHome {

@@ -18,11 +18,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <string>
 #include <sys/wait.h>
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QTimer>
@@ -37,7 +35,7 @@ constexpr int kFramesBeforeSignal = 30;
 
 // The child: the program as main() runs it, with a recording started as soon as camera 1 shows
 // a picture.
-int runRecordingChild(int& argc, char** argv) {
+int runRecordingChild(int& argc, char** argv, const std::string& /*mode*/) {
     app::RunOptions options;
     options.shown = [](QMainWindow& shown) {
         auto& window = static_cast<app::MainWindow&>(shown);
@@ -135,14 +133,5 @@ INSTANTIATE_TEST_SUITE_P(, StopSignal, ::testing::Values(SIGTERM, SIGINT, SIGHUP
 // This program is both the test and, with --child, the program under test. (Its own main, so the
 // test support's main is not linked in.)
 int main(int argc, char** argv) {
-    ravelcue::test::childProgramPath() = std::filesystem::read_symlink("/proc/self/exe").string();
-    if (argc > 1 && std::strcmp(argv[1], "--child") == 0) {
-        return ravelcue::test::runRecordingChild(argc, argv);
-    }
-    if (std::getenv("QT_QPA_PLATFORM") == nullptr) {
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    }
-    QApplication application(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return ravelcue::test::testOrChildMain(argc, argv, ravelcue::test::runRecordingChild);
 }

@@ -22,7 +22,7 @@ protected:
     WindowFixture fixture{DemoDevices{}};
 };
 
-TEST_F(LiveView, EnabledDemoCamerasShowInSingleAndQuadView) {
+TEST_F(LiveView, DemoCamerasShowInSingleAndQuadViewAndReconnectForTrainingAndBack) {
     for (int i = 0; i < 4; ++i) {
         ASSERT_TRUE(cam(i).Connected()) << i;
         EXPECT_EQ(cam(i).GetVideoSize(), QSize(640, 480));
@@ -45,10 +45,8 @@ TEST_F(LiveView, EnabledDemoCamerasShowInSingleAndQuadView) {
     const media::DemoStamp later = media::readDemoStamp(cam(0).view()->currentFrame());
     ASSERT_TRUE(later.valid);
     EXPECT_GT(later.frameCounter, first.frameCounter);
-}
 
-TEST_F(LiveView, TrainingAndLiveReconnectWithTheirRenderMode) {
-    ASSERT_TRUE(WindowFixture::waitForPicture(cam(0).view()));
+    // Training reconnects the cameras to keep their frames; live lets go of them again.
     EXPECT_EQ(cam(0).RenderMode(), 0);
     EXPECT_TRUE(cam(0).FrameBytes().isEmpty()) << "live frames are only kept for training";
 

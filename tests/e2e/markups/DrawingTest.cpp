@@ -90,7 +90,7 @@ TEST_F(HdClip, EveryToolLandsUnderThePointerAtAnyWindowSizeAndZoom) {
         << "the line is on screen where the pointer drew it: " << std::hex << pointer;
 }
 
-TEST_F(HdClip, TheAngleReadsItsDegreesInYellowAndGoesWithEraseLast) {
+TEST_F(HdClip, EraseLastAndCtrlZTakeTheAngleWithItsReadingAndRestoreWhatLayUnder) {
     colour("green");
     w.tool("Angle");
     w.drag(0, {500, 500}, {800, 500});
@@ -109,9 +109,8 @@ TEST_F(HdClip, TheAngleReadsItsDegreesInYellowAndGoesWithEraseLast) {
     EXPECT_FALSE(w.shows(0, {650, 500}, 65280));
     EXPECT_FALSE(w.shows(0, {500, 400}, 65280));
     EXPECT_FALSE(eraseLastEnabled());
-}
 
-TEST_F(HdClip, EraseLastAndCtrlZRestoreThePixelsUnderARemovedShape) {
+    // Erase Last and Ctrl+Z give back the pixels under a removed shape.
     const QImage bare = w.shownPicture(0);
     colour("red");
     w.tool("Hline");
@@ -174,7 +173,7 @@ TEST_F(HdClip, ANoteIsTypedOnOneLineAndPlacedWhereTheClickIs) {
     EXPECT_EQ(w.view(0).overlay().text(1).text, QString());
 }
 
-TEST_F(HdClip, TheGridComesAndGoesAndLeavesTheMarkersWhole) {
+TEST_F(HdClip, TheGridLeavesTheMarkersWholeAndTheZoomWindowKeepsItsLimits) {
     colour("yellow");
     w.tool("Vline");
     w.drag(0, {384, 100}, {384, 900});
@@ -189,9 +188,8 @@ TEST_F(HdClip, TheGridComesAndGoesAndLeavesTheMarkersWhole) {
     EXPECT_FALSE(w.shows(0, {768, 1000}, grey));
     EXPECT_FALSE(w.shows(0, {96, 1000}, grey));
     EXPECT_TRUE(w.shows(0, {384, 500}, kYellow)) << "Remove cuts no gap";
-}
 
-TEST_F(HdClip, TheZoomWindowStepsAndPansWithinItsLimits) {
+    // The zoom window steps and pans within its limits.
     w.fixture.click(QStringLiteral("mnuZoomPan"));
     auto* zoom = w.dialog("frmZoomPan");
     ASSERT_NE(zoom, nullptr);

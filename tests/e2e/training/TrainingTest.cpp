@@ -48,11 +48,8 @@ protected:
 
     StrokeTraining() {
         fixture.answeredUpdateQuestion();
-        fixture.enableDemoDevices();
         // Demo Camera 1 alone.
-        for (int i = 1; i < 4; ++i) {
-            fixture.store.writeText(cameraSettingName("CamEnable-", i), "0");
-        }
+        fixture.enableDemoDevices(1);
         copySpokenCommands();
         fixture.start();
         fixture.click("cmdTraining");
@@ -195,7 +192,13 @@ protected:
     static inline std::unique_ptr<PrivateSoundServer> server_;
 };
 
-TEST_F(StrokeTraining, CalibrationLearnsTheColourOfTheTargetInTheGreenSquare) {
+TEST_F(StrokeTraining, NoRunBeforeACalibrationLearnsTheColourOfTheTargetInTheGreenSquare) {
+    fixture.click("cmdStartTraining");
+    EXPECT_EQ(lastMessage(), "You need to Calibrate the Target Color before start of training.");
+    EXPECT_EQ(fixture.prompts.shown().back().icon, ui::MessageIcon::Information);
+    EXPECT_EQ(training().run().parmsDialog(), nullptr);
+    EXPECT_EQ(caption("cmdStartTraining"), "Start Training");
+
     ASSERT_TRUE(QTest::qWaitFor([this] { return !cam().FrameBytes().isEmpty(); }, 10000));
     const auto started = ToneBus::Clock::now();
     fixture.click("cmdCalibrate");
@@ -227,25 +230,37 @@ TEST_F(StrokeTraining, CalibrationLearnsTheColourOfTheTargetInTheGreenSquare) {
     // (30, 210, 70): hue 133.3, saturation 75, lightness 47.1.
     EXPECT_EQ(lastMessage(), "Calibrated Target Color Components R:30, G:210, B:70\n"
                              "Calibrated Target HSL Components H:133, S:75, L:47");
+
+    // Now a run may start; a cancel of its parameters leaves it idle.
+    training::TrainParmsDialog* dialog = openParameters();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->windowTitle(), "StrokeTraining");
+    EXPECT_TRUE(dialog->findChild<QRadioButton*>("Option2_0")->isChecked());
+    EXPECT_EQ(caption("cmdStartTraining"), "Stop Training");
+    EXPECT_FALSE(enabled("cmdCalibrate"));
+    QTest::mouseClick(dialog->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+    EXPECT_EQ(caption("cmdStartTraining"), "Start Training");
+    EXPECT_TRUE(enabled("cmdCalibrate"));
+    EXPECT_FALSE(timer("tmrTraining")->isActive());
+    EXPECT_EQ(fixture.window().state().CurrentState, "StopTraining");
+    EXPECT_EQ(training().run().lngTrainingType, 0);
 }
 
-TEST_F(StrokeTraining, AVerticalRunCallsTheWristToTheElbowTickByTick) {
+TEST_F(StrokeTraining, RunsCallTheWristToTheElbowOrTheAngleAtTheWristTickByTick) {
     calibrate();
     startRun(0);
     EXPECT_EQ(fixture.panel(2), "Vertical End Training");
     EXPECT_EQ(training().run().lngTrainingType, training::kVerticalTraining);
     followTheArm(training::kVerticalTraining, {"Move Hand Left", "GOOD!!!", "Move Hand Right"});
-}
+    fixture.click("cmdStartTraining");
 
-TEST_F(StrokeTraining, APerpendicularRunCallsTheAngleAtTheWristTickByTick) {
-    calibrate();
     startRun(1);
     EXPECT_EQ(fixture.panel(2), "Perpendicular Side Training");
     followTheArm(training::kPerpendicularTraining,
                  {"Move Hand Back", "GOOD!!!", "Move Hand Forward"});
 }
 
-TEST_F(StrokeTraining, ARunDrawsTheRegionRingsAndLinesAndBlinksItsButton) {
+TEST_F(StrokeTraining, ARunDrawsItsMarksBlinksItsButtonAndEndsByItOrByLeavingThePane) {
     calibrate();
     startRun(1);
     fixture.tick("tmrTraining");
@@ -283,32 +298,8 @@ TEST_F(StrokeTraining, ARunDrawsTheRegionRingsAndLinesAndBlinksItsButton) {
     EXPECT_EQ(fixture.text("lblAlarm"), "");
     EXPECT_EQ(QColor(overlay().pixel(50, 240)), QColor(Qt::black));
     EXPECT_TRUE(enabled("cmdCalibrate"));
-}
 
-TEST_F(StrokeTraining, NoRunWithoutACalibratedColourAndCancelLeavesItIdle) {
-    fixture.click("cmdStartTraining");
-    EXPECT_EQ(lastMessage(), "You need to Calibrate the Target Color before start of training.");
-    EXPECT_EQ(fixture.prompts.shown().back().icon, ui::MessageIcon::Information);
-    EXPECT_EQ(training().run().parmsDialog(), nullptr);
-    EXPECT_EQ(caption("cmdStartTraining"), "Start Training");
-
-    calibrate();
-    training::TrainParmsDialog* dialog = openParameters();
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(dialog->windowTitle(), "StrokeTraining");
-    EXPECT_TRUE(dialog->findChild<QRadioButton*>("Option2_0")->isChecked());
-    EXPECT_EQ(caption("cmdStartTraining"), "Stop Training");
-    EXPECT_FALSE(enabled("cmdCalibrate"));
-    QTest::mouseClick(dialog->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
-    EXPECT_EQ(caption("cmdStartTraining"), "Start Training");
-    EXPECT_TRUE(enabled("cmdCalibrate"));
-    EXPECT_FALSE(timer("tmrTraining")->isActive());
-    EXPECT_EQ(fixture.window().state().CurrentState, "StopTraining");
-    EXPECT_EQ(training().run().lngTrainingType, 0);
-}
-
-TEST_F(StrokeTraining, LeavingThePaneEndsARunAndACount) {
-    calibrate();
+    // Leaving the pane ends a run, and a calibration's count.
     startRun(0);
     timer("tmrTraining")->start();
     fixture.tick("tmrTraining");
@@ -333,26 +324,7 @@ TEST_F(StrokeTraining, LeavingThePaneEndsARunAndACount) {
     EXPECT_EQ(fixture.window().state().CurrentState, "Live");
 }
 
-TEST_F(StrokeTrainingHeard, TheVoiceIsHeard) {
-    if (const char* why = noVoice()) {
-        GTEST_SKIP() << why;
-    }
-    calibrate();
-    startRun(1, training::AlarmType::Voice); // an angle of exactly 88 or 92 never comes
-    const std::vector<qint16> heard = server_->record(1.5, [this] { fixture.tick("tmrTraining"); });
-    ASSERT_FALSE(fixture.text("lblAlarm").isEmpty());
-    EXPECT_GT(loud(heard), 441) << "at least 10 ms of speech";
-
-    // Without its files the run is silent and says it in text all the same.
-    QDir(fixture.program.path() + QStringLiteral("/Sounds")).removeRecursively();
-    const std::vector<qint16> silence =
-        server_->record(1.5, [this] { fixture.tick("tmrTraining"); });
-    EXPECT_FALSE(fixture.text("lblAlarm").isEmpty());
-    EXPECT_TRUE(fixture.prompts.texts().size() == 1) << "the calibration's message alone";
-    EXPECT_EQ(loud(silence), 0);
-}
-
-TEST_F(StrokeTrainingHeard, AnAlarmTypeChosenDuringARunActsFromTheNextTick) {
+TEST_F(StrokeTrainingHeard, TheVoiceIsHeardAndAnAlarmTypeChosenDuringARunActsFromTheNextTick) {
     if (const char* why = noVoice()) {
         GTEST_SKIP() << why;
     }
@@ -369,6 +341,16 @@ TEST_F(StrokeTrainingHeard, AnAlarmTypeChosenDuringARunActsFromTheNextTick) {
         server_->record(1.5, [this] { EXPECT_TRUE(beepsOfATick().empty()); });
     EXPECT_FALSE(fixture.text("lblAlarm").isEmpty()) << "the text goes on";
     EXPECT_EQ(loud(quiet), 0);
+
+    // Without its files the voice is silent and says it in text all the same.
+    alarmType->setCurrentText("Voice");
+    QDir(fixture.program.path() + QStringLiteral("/Sounds")).removeRecursively();
+    const std::vector<qint16> silence =
+        server_->record(1.5, [this] { fixture.tick("tmrTraining"); });
+    EXPECT_FALSE(fixture.text("lblAlarm").isEmpty());
+    EXPECT_TRUE(fixture.prompts.texts().size() == 1) << "the calibration's message alone";
+    EXPECT_EQ(loud(silence), 0);
+    alarmType->setCurrentText("No Sound");
 
     // Silent ticks until the arm is in position; from the next tick on, "GOOD!!!" beeps twice
     // and the other texts stay silent.
@@ -401,10 +383,7 @@ class StrokeTrainingUnplugged : public ::testing::Test {
 protected:
     StrokeTrainingUnplugged() {
         fixture.answeredUpdateQuestion();
-        fixture.enableDemoDevices();
-        for (int i = 1; i < 4; ++i) {
-            fixture.store.writeText(cameraSettingName("CamEnable-", i), "0");
-        }
+        fixture.enableDemoDevices(1);
         fixture.start();
         fixture.click("cmdTraining");
     }
