@@ -306,8 +306,11 @@ TEST(Capture, ConnectsAtAnySizeAndHandsOverLiveFramesAndOverlays) {
     EXPECT_TRUE(capture->SetVideoSize(1280, 720));
     EXPECT_FALSE(capture->SetVideoSize(2560, 1440));
     EXPECT_EQ(capture->GetVideoSize(), QSize(1280, 720));
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return capture->view()->pictureSize() == QSize(1280, 720); }));
+    // The live frame comes back with the first picture at the new size.
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return capture->view()->pictureSize() == QSize(1280, 720) &&
+               !capture->FrameBytes().isEmpty();
+    }));
     EXPECT_EQ(capture->FrameBytes().size(), 640 * 480 * 3);
 
     // The shape layer shows over the picture; black lets the picture through.
