@@ -65,7 +65,8 @@ FrameIndex::FrameIndex(const std::vector<Packet>& filePackets, AVRational timeBa
     // A decoder drops what comes before the first keyframe, so those packets are no frames.
     auto start =
         std::find_if(packets.begin(), packets.end(), [](const Packet& p) { return p.keyframe; });
-    if (start == packets.end()) {
+    marksKeyframes_ = start != packets.end();
+    if (!marksKeyframes_) {
         start = packets.begin(); // no keyframe flags at all: decode from the start
     }
     std::vector<std::int64_t> known;
@@ -100,6 +101,7 @@ FrameIndex FrameIndex::estimate(std::int64_t frames, AVRational timeBase, std::i
     }
     index.endStamp_ = index.stamps_.back() + index.frameDuration_;
     index.keyframes_.push_back(0);
+    index.seekStamps_.push_back(firstStamp);
     return index;
 }
 
@@ -127,7 +129,7 @@ bool FrameIndex::indexByStamps(Iterator start, Iterator end) {
             // A keyframe an edit list leaves out still starts the decoding of the frames after it.
             const auto frame = std::lower_bound(stamps_.begin(), stamps_.end(), it->pts);
             if (frame != stamps_.end()) {
-                keyframes_.push_back(frame - stamps_.begin());
+                addKeyframe(frame - stamps_.begin(), *it);
             }
         }
     }
@@ -146,7 +148,10 @@ void FrameIndex::indexByCounting(Iterator start, Iterator end) {
         const std::int64_t position = static_cast<std::int64_t>(decodeStamps_.size());
         decodeStamps_.push_back(dts);
         if (it->keyframe || it == start) {
-            keyframes_.push_back(position);
+            addKeyframe(position, {.pts = dts, .dts = dts});
+            if (it->pts != AV_NOPTS_VALUE) {
+                keyframePts_.emplace_back(it->pts, position);
+            }
         }
         previous = dts;
     }
@@ -158,13 +163,33 @@ void FrameIndex::indexByCounting(Iterator start, Iterator end) {
                               : decodeStamps_.back() + (source - frames + 1) * frameDuration_);
     }
     endStamp_ = stamps_.empty() ? 0 : stamps_.back() + frameDuration_;
+    std::sort(keyframePts_.begin(), keyframePts_.end());
+}
+
+void FrameIndex::addKeyframe(std::int64_t frame, const Packet& packet) {
+    keyframes_.push_back(frame);
+    seekStamps_.push_back(packet.dts != AV_NOPTS_VALUE ? std::min(packet.dts, packet.pts)
+                                                       : packet.pts);
 }
 
 void FrameIndex::finishKeyframes() {
-    std::sort(keyframes_.begin(), keyframes_.end());
-    keyframes_.erase(std::unique(keyframes_.begin(), keyframes_.end()), keyframes_.end());
-    if (!stamps_.empty() && (keyframes_.empty() || keyframes_.front() != 0)) {
-        keyframes_.insert(keyframes_.begin(), 0);
+    std::vector<std::pair<std::int64_t, std::int64_t>> entries;
+    for (size_t i = 0; i < keyframes_.size(); ++i) {
+        entries.emplace_back(keyframes_[i], seekStamps_[i]);
+    }
+    if (!stamps_.empty()) {
+        entries.emplace_back(0, stamps_.front());
+    }
+    // Sorted by frame, the first entry of a frame holding the earliest stamp.
+    std::sort(entries.begin(), entries.end());
+    entries.erase(std::unique(entries.begin(), entries.end(),
+                              [](const auto& a, const auto& b) { return a.first == b.first; }),
+                  entries.end());
+    keyframes_.clear();
+    seekStamps_.clear();
+    for (const auto& [frame, seekStampValue] : entries) {
+        keyframes_.push_back(frame);
+        seekStamps_.push_back(seekStampValue);
     }
 }
 
@@ -204,6 +229,21 @@ std::int64_t FrameIndex::decodePosition(std::int64_t dts) const {
     return it != decodeStamps_.end() && *it == dts ? it - decodeStamps_.begin() : -1;
 }
 
+std::int64_t FrameIndex::keyframeOfPacket(std::int64_t pts, std::int64_t dts) const {
+    const std::int64_t byDts = decodePosition(dts);
+    if (byDts >= 0 && std::binary_search(keyframes_.begin(), keyframes_.end(), byDts)) {
+        return byDts;
+    }
+    for (const std::int64_t stampValue : {pts, dts}) {
+        const auto it = std::lower_bound(keyframePts_.begin(), keyframePts_.end(),
+                                         std::pair<std::int64_t, std::int64_t>{stampValue, -1});
+        if (stampValue != AV_NOPTS_VALUE && it != keyframePts_.end() && it->first == stampValue) {
+            return it->second;
+        }
+    }
+    return -1;
+}
+
 double FrameIndex::durationMs() const {
     if (stamps_.empty()) {
         return 0.0;
@@ -215,6 +255,14 @@ double FrameIndex::durationMs() const {
 std::int64_t FrameIndex::keyframeAtOrBefore(std::int64_t frame) const {
     const auto it = std::upper_bound(keyframes_.begin(), keyframes_.end(), frame);
     return it == keyframes_.begin() ? 0 : *(it - 1);
+}
+
+std::int64_t FrameIndex::seekStamp(std::int64_t keyframe) const {
+    const auto it = std::lower_bound(keyframes_.begin(), keyframes_.end(), keyframe);
+    if (it == keyframes_.end() || *it != keyframe) {
+        return stamp(clampFrame(keyframe));
+    }
+    return seekStamps_[static_cast<size_t>(it - keyframes_.begin())];
 }
 
 std::int64_t FrameIndex::keyframeBefore(std::int64_t keyframe) const {

@@ -63,6 +63,10 @@ public:
     std::int64_t frameOfStamp(std::int64_t stamp) const;
     // For counted frames: the place in decode order of the packet with this decode stamp, or -1.
     std::int64_t decodePosition(std::int64_t dts) const;
+    // For counted frames: the place in decode order of the keyframe packet with these stamps, or
+    // -1. Demuxers that work out missing stamps from the packets before (MPEG program streams)
+    // may give a keyframe read straight after a seek its presentation stamp as decode stamp.
+    std::int64_t keyframeOfPacket(std::int64_t pts, std::int64_t dts) const;
     // For counted frames: how many packets there are in decode order.
     std::int64_t decodeCount() const { return static_cast<std::int64_t>(decodeStamps_.size()); }
     double durationMs() const;
@@ -72,22 +76,34 @@ public:
     bool everyFrameIsKeyframe() const { return keyframes_.size() == stamps_.size(); }
     // The keyframe before the given one, for a seek that landed too late; -1 when none.
     std::int64_t keyframeBefore(std::int64_t keyframe) const;
+    // The stamp to seek to for a keyframe: the decode stamp of its packet, since demuxers that
+    // search the file for a stamp (MPEG transport and program streams) go by decode stamps,
+    // and a keyframe shows later than packets decoded after it.
+    std::int64_t seekStamp(std::int64_t keyframe) const;
+    // Whether the file marks its keyframes: packets before the first keyframe after a seek
+    // are then no frames to decode.
+    bool marksKeyframes() const { return marksKeyframes_; }
     AVRational timeBase() const { return timeBase_; }
 
 private:
     using Iterator = std::vector<Packet>::const_iterator;
     bool indexByStamps(Iterator start, Iterator end);
     void indexByCounting(Iterator start, Iterator end);
+    void addKeyframe(std::int64_t frame, const Packet& packet);
     void finishKeyframes();
 
-    std::vector<std::int64_t> stamps_;       // presentation order, ascending
-    std::vector<std::int64_t> keyframes_;    // frame numbers, ascending
+    std::vector<std::int64_t> stamps_;     // presentation order, ascending
+    std::vector<std::int64_t> keyframes_;  // frame numbers, ascending
+    std::vector<std::int64_t> seekStamps_; // for each of keyframes_
+    // Counted frames: presentation stamp and decode place of each keyframe, by stamp.
+    std::vector<std::pair<std::int64_t, std::int64_t>> keyframePts_;
     std::vector<std::int64_t> decodeStamps_; // counted frames: dts in decode order, ascending
     std::int64_t endStamp_ = 0;
     std::int64_t frameDuration_ = 1;
     AVRational timeBase_{1, 1000};
     bool framesCarryStamps_ = true;
     bool exact_ = true;
+    bool marksKeyframes_ = false;
     int outputDelay_ = 0;
 };
 

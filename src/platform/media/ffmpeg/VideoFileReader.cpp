@@ -165,7 +165,7 @@ AVRational VideoFileReader::frameRate() const {
 }
 
 bool VideoFileReader::seekToKeyframe(std::int64_t keyframe) {
-    const std::int64_t stampValue = index_->stamp(index_->clampFrame(keyframe));
+    const std::int64_t stampValue = index_->seekStamp(index_->clampFrame(keyframe));
     int result = av_seek_frame(input_.get(), stream_->index, stampValue, AVSEEK_FLAG_BACKWARD);
     if (result < 0) {
         result =
@@ -181,7 +181,9 @@ bool VideoFileReader::seekToKeyframe(std::int64_t keyframe) {
     lastNumber_ = index_->clampFrame(keyframe) - 1;
     flushed_ = 0;
     rebaseOnNextPacket_ = !index_->framesCarryStamps();
-    awaitingKeyframe_ = !index_->exact();
+    // Demuxers that search by stamp may land between keyframes; what comes before the next
+    // keyframe would decode against missing pictures.
+    awaitingKeyframe_ = !index_->exact() || index_->marksKeyframes();
     return result >= 0;
 }
 
@@ -206,7 +208,9 @@ bool VideoFileReader::feedDecoder() {
             // Without presentation stamps frames are counted; the count starts at the keyframe
             // the demuxer actually landed on.
             rebaseOnNextPacket_ = false;
-            const std::int64_t landed = index_->decodePosition(packet_->dts);
+            const std::int64_t landed = index_->marksKeyframes()
+                                            ? index_->keyframeOfPacket(packet_->pts, packet_->dts)
+                                            : index_->decodePosition(packet_->dts);
             if (landed >= 0) {
                 lastNumber_ = landed - 1;
             }
