@@ -47,12 +47,9 @@ MediaError FfmpegPlayer::PlayerOpen(const QString& path) {
     if (!first && !source->index()->exact()) {
         // Nothing decodes from the start without knowing where the first keyframe lies (a file
         // without keyframe flags): read the index first after all.
-        IndexPackets packets;
-        if (!readIndexPackets(path, packets)) {
-            source->adoptIndex(packets.build());
-            if (source->seekToKeyframe(0)) {
-                first = source->next();
-            }
+        if (std::unique_ptr<VideoFileReader> indexed = VideoFileReader::openIndexed(path, error)) {
+            source = std::move(indexed);
+            first = source->next();
         }
     }
     if (!first) {
